@@ -1,0 +1,208 @@
+// Writing runtime classes in C++.
+//
+// A C++ class holds the state; its dynamically dispatched methods are
+// registered once with their selectors, and their type encodings are derived
+// from the C++ signatures. C++ callers use small typed wrappers that send the
+// message, so a replaced implementation always runs:
+//
+//   class Counter : public NSObject {
+//       OBJC_CLASS(Counter)
+//   public:
+//       int add(int n) { return objc::msgSend<int>(this, objc::sel<"add:">(), n); }
+//   private:
+//       int imp_add(int n) { return value_ += n; }
+//       int value_ = 0;
+//   };
+//   // counter.cpp
+//   OBJC_DEFINE_CLASS(Counter, NSObject, "Counter")
+//   void Counter::objcDefine(objc::ClassBuilder<Counter>& b) { b.method<&Counter::imp_add>("add:");
+//   }
+#pragma once
+
+#include <objc/encoding.h>
+#include <objc/message.h>
+#include <objc/strong.h>
+
+#include <memory>
+#include <type_traits>
+
+namespace objc {
+
+template <class T>
+class ClassBuilder;
+
+namespace detail {
+
+using Allocator = id (*)(Class);
+
+template <class T>
+id allocateInstance(Class cls) {
+    auto obj = std::make_unique<T>();
+    obj->isa_.store(cls, std::memory_order_relaxed);
+    return obj.release();
+}
+
+// Creates the class and its metaclass under the name; methods are added
+// before the class is published for lookup by name.
+Class createClass(const char* name, Class superclass, Allocator allocator);
+void publishClass(Class cls);
+
+struct IvarAccess {
+    void* (*address)(id self);
+    id (*readObject)(void* slot);               // null for scalar ivars
+    void (*writeObject)(void* slot, id value);  // null for scalar ivars
+};
+void addIvar(Class cls, const char* name, const char* types, IvarAccess access);
+
+template <auto Fn>
+struct MemberThunk;
+
+template <class T, class R, class... A, R (T::*F)(A...)>
+struct MemberThunk<F> {
+    static R call(id self, SEL, A... a) { return (static_cast<T*>(self)->*F)(a...); }
+    static const char* types() { return methodEncoding<R, A...>(); }
+};
+template <class T, class R, class... A, R (T::*F)(A...) const>
+struct MemberThunk<F> {
+    static R call(id self, SEL, A... a) { return (static_cast<const T*>(self)->*F)(a...); }
+    static const char* types() { return methodEncoding<R, A...>(); }
+};
+
+template <auto Fn>
+struct ClassThunk;
+template <class R, class... A, R (*F)(Class, A...)>
+struct ClassThunk<F> {
+    static R call(id self, SEL, A... a) { return F(static_cast<Class>(self), a...); }
+    static const char* types() { return methodEncoding<R, A...>(); }
+};
+
+template <auto Fn>
+struct ImpStyle;
+template <class Self, class R, class... A, R (*F)(Self, SEL, A...)>
+struct ImpStyle<F> {
+    static_assert(std::is_pointer_v<Self>, "an implementation takes the receiver first");
+    static IMP imp() { return reinterpret_cast<IMP>(F); }
+    static const char* types() { return methodEncoding<R, A...>(); }
+};
+
+template <class M>
+struct IvarTraits {
+    static constexpr bool kObject = false;
+};
+
+}  // namespace detail
+
+namespace detail {
+template <class U>
+struct IvarTraits<Strong<U>> {
+    static constexpr bool kObject = true;
+    static id read(void* slot) { return static_cast<Strong<U>*>(slot)->get(); }
+    static void write(void* slot, id value) {
+        *static_cast<Strong<U>*>(slot) = Strong<U>::retain(static_cast<U*>(value));
+    }
+};
+}  // namespace detail
+
+template <class T>
+class ClassBuilder {
+  public:
+    explicit ClassBuilder(Class cls) : cls_(cls), meta_(object_getClass(cls)) {}
+
+    Class cls() const { return cls_; }
+
+    // An instance method implemented by a member function of T.
+    template <auto Fn>
+    ClassBuilder& method(const char* selector) {
+        using Thunk = detail::MemberThunk<Fn>;
+        class_replaceMethod(cls_, sel_registerName(selector), reinterpret_cast<IMP>(&Thunk::call),
+                            Thunk::types());
+        return *this;
+    }
+    // A class method implemented by a static function taking the class first.
+    template <auto Fn>
+    ClassBuilder& classMethod(const char* selector) {
+        using Thunk = detail::ClassThunk<Fn>;
+        class_replaceMethod(meta_, sel_registerName(selector), reinterpret_cast<IMP>(&Thunk::call),
+                            Thunk::types());
+        return *this;
+    }
+    // An instance method implemented by a function taking (receiver, SEL, args...).
+    template <auto Fn>
+    ClassBuilder& imp(const char* selector) {
+        using Thunk = detail::ImpStyle<Fn>;
+        class_replaceMethod(cls_, sel_registerName(selector), Thunk::imp(), Thunk::types());
+        return *this;
+    }
+    // A class method implemented by a function taking (class, SEL, args...).
+    template <auto Fn>
+    ClassBuilder& classImp(const char* selector) {
+        using Thunk = detail::ImpStyle<Fn>;
+        class_replaceMethod(meta_, sel_registerName(selector), Thunk::imp(), Thunk::types());
+        return *this;
+    }
+    // An instance variable readable by key-value coding and object_getIvar.
+    template <auto Member>
+    ClassBuilder& ivar(const char* name) {
+        using M = std::remove_reference_t<decltype(std::declval<T&>().*Member)>;
+        using Traits = detail::IvarTraits<M>;
+        detail::IvarAccess access{};
+        access.address = [](id self) -> void* { return &(static_cast<T*>(self)->*Member); };
+        const char* types = nullptr;
+        if constexpr (Traits::kObject) {
+            access.readObject = &Traits::read;
+            access.writeObject = &Traits::write;
+            types = "@";
+        } else {
+            types = encodingOf<M>();
+        }
+        detail::addIvar(cls_, name, types, access);
+        return *this;
+    }
+
+  private:
+    Class cls_;
+    Class meta_;
+};
+
+namespace detail {
+template <class T, class Super>
+Class defineClass(const char* name) {
+    static_assert(std::is_base_of_v<Super, T>, "a class derives from its superclass");
+    const Class cls = createClass(name, Super::objcClass(), &allocateInstance<T>);
+    ClassBuilder<T> builder(cls);
+    T::objcDefine(builder);
+    publishClass(cls);
+    return cls;
+}
+template <class T>
+Class defineRootClass(const char* name) {
+    const Class cls = createClass(name, nullptr, &allocateInstance<T>);
+    ClassBuilder<T> builder(cls);
+    T::objcDefine(builder);
+    publishClass(cls);
+    return cls;
+}
+}  // namespace detail
+
+}  // namespace objc
+
+// Declares the runtime class of a C++ class.
+#define OBJC_CLASS(T)                                         \
+  public:                                                     \
+    static Class objcClass() noexcept;                        \
+    static void objcDefine(::objc::ClassBuilder<T>& builder); \
+                                                              \
+  public:
+
+// Defines it in one translation unit; the class is created on first use.
+#define OBJC_DEFINE_CLASS(T, Super, Name)                                     \
+    Class T::objcClass() noexcept {                                           \
+        static const Class cls = ::objc::detail::defineClass<T, Super>(Name); \
+        return cls;                                                           \
+    }
+
+#define OBJC_DEFINE_ROOT_CLASS(T, Name)                                    \
+    Class T::objcClass() noexcept {                                        \
+        static const Class cls = ::objc::detail::defineRootClass<T>(Name); \
+        return cls;                                                        \
+    }

@@ -1,0 +1,153 @@
+// Message sending: a typed template over the per-class method cache.
+#pragma once
+
+#include <objc/encoding.h>
+#include <objc/runtime.h>
+
+#include <cstring>
+#include <type_traits>
+
+namespace objc {
+
+namespace detail {
+
+// A selector name usable as a template argument: sel<"add:">().
+template <std::size_t N>
+struct SelectorName {
+    char text[N]{};
+    constexpr SelectorName(const char (&s)[N]) {  // NOLINT: implicit by design
+        for (std::size_t i = 0; i < N; ++i) text[i] = s[i];
+    }
+};
+
+// One cache slot. A filled slot keeps its selector and method for the life of
+// the table; only the implementation is updated in place, so a reader that
+// matched the selector always reads an implementation of that method.
+struct CacheEntry {
+    std::atomic<SEL> sel{nullptr};
+    std::atomic<IMP> imp{nullptr};
+    Method method = nullptr;
+};
+
+struct Cache {
+    std::uint32_t mask = 0;  // capacity - 1; capacity is a power of two
+    std::uint32_t occupied = 0;
+    CacheEntry* entries = nullptr;
+};
+
+inline std::size_t cacheIndex(SEL sel, std::uint32_t mask) noexcept {
+    return (reinterpret_cast<std::uintptr_t>(sel) >> 4) & mask;
+}
+
+// The fast path: lock-free; tables are never more than three quarters full,
+// so the probe ends on an empty slot.
+inline IMP cacheLookup(Class cls, SEL sel) noexcept {
+    const Cache* cache = cls->cache_.load(std::memory_order_acquire);
+    const std::uint32_t mask = cache->mask;
+    std::size_t i = cacheIndex(sel, mask);
+    for (;;) {
+        const CacheEntry& e = cache->entries[i];
+        const SEL s = e.sel.load(std::memory_order_acquire);
+        if (s == sel) return e.imp.load(std::memory_order_acquire);
+        if (s == nullptr) return nullptr;
+        i = (i + 1) & mask;
+    }
+}
+
+// Slow path: finds the method in the class or a superclass and caches it.
+// Answers null when no class in the chain implements the selector.
+IMP lookupAndCache(Class cls, SEL sel);
+
+// Hands a message that nobody implements to the receiver's forwarding
+// machinery, with the call's own arguments described by their encodings.
+void forwardMessage(id self, SEL sel, const void* const* args, const char* const* argTypes,
+                    const std::size_t* argSizes, std::size_t argCount, void* ret,
+                    const char* retType, std::size_t retSize);
+
+template <class R, class... A>
+R forward(id self, SEL sel, A... args) {
+    const void* values[sizeof...(A) + 1] = {static_cast<const void*>(&args)..., nullptr};
+    const char* types[sizeof...(A) + 1] = {encodingOf<A>()..., nullptr};
+    const std::size_t sizes[sizeof...(A) + 1] = {sizeof(A)..., 0};
+    if constexpr (std::is_void_v<R>) {
+        forwardMessage(self, sel, values, types, sizes, sizeof...(A), nullptr, "v", 0);
+    } else {
+        R result{};
+        forwardMessage(self, sel, values, types, sizes, sizeof...(A), &result, encodingOf<R>(),
+                       sizeof(R));
+        return result;
+    }
+}
+
+template <class R>
+R zeroResult() {
+    if constexpr (!std::is_void_v<R>) return R{};
+}
+
+// A literal nullptr travels as a nil object: nullptr_t has no defined
+// register value, so it is never passed as itself.
+template <class A>
+using Passed = std::conditional_t<std::is_null_pointer_v<A>, id, A>;
+
+template <class... A>
+constexpr void checkArguments() {
+    static_assert((std::is_trivially_copyable_v<A> && ...),
+                  "message arguments travel by value as C types: pass raw pointers (.get()), "
+                  "not smart pointers or C++ objects");
+}
+
+}  // namespace detail
+
+// An interned selector, looked up once per name.
+template <detail::SelectorName Name>
+inline SEL sel() {
+    static const SEL s = sel_registerName(Name.text);
+    return s;
+}
+
+// Sends a message. Argument and result types must be those of the method:
+// the implementation is called through exactly this function type.
+template <class R = void, class... A>
+inline R msgSend(id self, SEL sel, A... args) {
+    detail::checkArguments<A...>();
+    if (self == nullptr) [[unlikely]]
+        return detail::zeroResult<R>();
+    const Class cls = self->isa_.load(std::memory_order_relaxed);
+    IMP imp = detail::cacheLookup(cls, sel);
+    if (imp == nullptr) [[unlikely]] {
+        imp = detail::lookupAndCache(cls, sel);
+        if (imp == nullptr) {
+            return detail::forward<R, detail::Passed<A>...>(self, sel, detail::Passed<A>(args)...);
+        }
+    }
+    return reinterpret_cast<R (*)(id, SEL, detail::Passed<A>...)>(imp)(self, sel,
+                                                                       detail::Passed<A>(args)...);
+}
+
+// Sends a message to self, starting the lookup at the given class (the
+// caller's superclass), as [super ...] does.
+template <class R = void, class... A>
+inline R msgSendSuper(Class start, id self, SEL sel, A... args) {
+    detail::checkArguments<A...>();
+    if (self == nullptr || start == nullptr) [[unlikely]]
+        return detail::zeroResult<R>();
+    IMP imp = detail::cacheLookup(start, sel);
+    if (imp == nullptr) [[unlikely]] {
+        imp = detail::lookupAndCache(start, sel);
+        if (imp == nullptr) {
+            return detail::forward<R, detail::Passed<A>...>(self, sel, detail::Passed<A>(args)...);
+        }
+    }
+    return reinterpret_cast<R (*)(id, SEL, detail::Passed<A>...)>(imp)(self, sel,
+                                                                       detail::Passed<A>(args)...);
+}
+
+// Calls an implementation directly, as a hook calls the one it replaced.
+template <class R = void, class... A>
+inline R callImp(IMP imp, id self, SEL sel, A... args) {
+    detail::checkArguments<A...>();
+    return reinterpret_cast<R (*)(id, SEL, detail::Passed<A>...)>(imp)(self, sel,
+                                                                       detail::Passed<A>(args)...);
+}
+
+}  // namespace objc

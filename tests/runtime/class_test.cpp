@@ -1,0 +1,176 @@
+// Classes, methods and their lookup.
+#include <gtest/gtest.h>
+
+#include <objc/image.h>
+#include <objc/runtime.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "test_classes.h"
+
+namespace {
+
+using objc::msgSend;
+using objc::sel;
+
+int tripleAdd(Counter* self, SEL, int n) {
+    return self->value_ += 3 * n;
+}
+int returnsSeven(id, SEL) {
+    return 7;
+}
+int returnsEight(id, SEL) {
+    return 8;
+}
+
+TEST(Classes, DefinedInCppAreFoundByName) {
+    EXPECT_EQ(objc_getClass("Counter"), Counter::objcClass());
+    EXPECT_EQ(class_getSuperclass(DoublingCounter::objcClass()), SubCounter::objcClass());
+    EXPECT_EQ(NSClassFromString(NSSTR("SubCounter")), SubCounter::objcClass());
+    EXPECT_EQ(objc_getClass("NoSuchClass"), nullptr);
+    objc::AutoreleasePool pool;
+    EXPECT_EQ(NSStringFromClass(Counter::objcClass())->utf8(), "Counter");
+}
+
+TEST(Classes, TypedWrappersSendTheMessage) {
+    objc::AutoreleasePool pool;
+    auto c = objc::make<DoublingCounter>();
+    EXPECT_EQ(c->add(2), 4);  // doubled, then the superclass's add:
+    EXPECT_EQ(c->value(), 4);
+    Counter* made = Counter::counterWithValue(5);
+    EXPECT_EQ(made->value(), 5);
+    EXPECT_TRUE(made->isMemberOfClass(Counter::objcClass()));
+}
+
+TEST(Classes, TypeEncodingsComeFromTheCppSignature) {
+    EXPECT_STREQ(
+        method_getTypeEncoding(class_getInstanceMethod(Counter::objcClass(), sel<"add:">())),
+        "i@:i");
+    EXPECT_STREQ(method_getTypeEncoding(
+                     class_getClassMethod(Counter::objcClass(), sel<"counterWithValue:">())),
+                 "@@:i");
+}
+
+TEST(Classes, InstanceMethodLookupIncludesSuperclasses) {
+    const Method inherited = class_getInstanceMethod(SubCounter::objcClass(), sel<"add:">());
+    EXPECT_EQ(inherited, class_getInstanceMethod(Counter::objcClass(), sel<"add:">()));
+    EXPECT_NE(class_getInstanceMethod(DoublingCounter::objcClass(), sel<"add:">()), inherited);
+    EXPECT_EQ(class_getInstanceMethod(Counter::objcClass(), sel<"noSuchMethod">()), nullptr);
+    EXPECT_EQ(class_getInstanceMethod(nullptr, sel<"add:">()), nullptr);
+    EXPECT_TRUE(class_respondsToSelector(SubCounter::objcClass(), sel<"value">()));
+    EXPECT_FALSE(class_respondsToSelector(SubCounter::objcClass(), sel<"counterWithValue:">()));
+}
+
+TEST(Classes, ClassMethodsLiveOnTheMetaclass) {
+    const Class meta = object_getClass(Counter::objcClass());
+    EXPECT_TRUE(class_isMetaClass(meta));
+    EXPECT_NE(class_getInstanceMethod(meta, sel<"counterWithValue:">()), nullptr);
+    // A class answers for class methods only, plus the root's instance methods.
+    EXPECT_FALSE(msgSend<bool>(Counter::objcClass(), sel<"respondsToSelector:">(), sel<"value">()));
+    EXPECT_TRUE(msgSend<bool>(Counter::objcClass(), sel<"respondsToSelector:">(),
+                              sel<"counterWithValue:">()));
+    EXPECT_TRUE(
+        msgSend<bool>(Counter::objcClass(), sel<"respondsToSelector:">(), sel<"isKindOfClass:">()));
+    EXPECT_TRUE(
+        msgSend<bool>(Counter::objcClass(), sel<"instancesRespondToSelector:">(), sel<"value">()));
+    EXPECT_EQ(msgSend<Class>(Counter::objcClass(), sel<"class">()), Counter::objcClass());
+}
+
+TEST(Classes, AddMethodAddsAnInheritedSelectorAndRefusesAnOwnOne) {
+    const Class cls = objc_allocateClassPair(Counter::objcClass(), "AddMethodCounter", 0);
+    ASSERT_NE(cls, nullptr);
+    objc_registerClassPair(cls);
+    const IMP own = reinterpret_cast<IMP>(&tripleAdd);
+    // add: is only inherited: adding it to the class itself succeeds.
+    EXPECT_TRUE(class_addMethod(cls, sel<"add:">(), own, "i@:i"));
+    // Now the class implements it: a second add is refused and changes nothing.
+    EXPECT_FALSE(class_addMethod(cls, sel<"add:">(), reinterpret_cast<IMP>(&returnsSeven), "i@:"));
+    EXPECT_EQ(method_getImplementation(class_getInstanceMethod(cls, sel<"add:">())), own);
+    EXPECT_FALSE(class_addMethod(nullptr, sel<"add:">(), own, "i@:i"));
+
+    auto* c = static_cast<Counter*>(msgSend<id>(msgSend<id>(cls, sel<"alloc">()), sel<"init">()));
+    EXPECT_EQ(c->add(2), 6);
+    objc_release(c);
+    // The superclass keeps its own implementation.
+    auto plain = objc::make<Counter>();
+    EXPECT_EQ(plain->add(2), 2);
+}
+
+TEST(Classes, AllocateClassPairRefusesATakenName) {
+    ASSERT_NE(Counter::objcClass(), nullptr);
+    EXPECT_EQ(objc_allocateClassPair(NSObject::objcClass(), "Counter", 0), nullptr);
+}
+
+TEST(Classes, ReplaceMethodAnswersThePreviousImplementation) {
+    const Class cls = objc_allocateClassPair(NSObject::objcClass(), "ReplaceMethodTarget", 0);
+    objc_registerClassPair(cls);
+    EXPECT_EQ(
+        class_replaceMethod(cls, sel<"number">(), reinterpret_cast<IMP>(&returnsSeven), "i@:"),
+        nullptr);
+    const id obj = msgSend<id>(cls, sel<"new">());
+    EXPECT_EQ(msgSend<int>(obj, sel<"number">()), 7);
+    EXPECT_EQ(
+        class_replaceMethod(cls, sel<"number">(), reinterpret_cast<IMP>(&returnsEight), "i@:"),
+        reinterpret_cast<IMP>(&returnsSeven));
+    EXPECT_EQ(msgSend<int>(obj, sel<"number">()), 8);
+    objc_release(obj);
+}
+
+TEST(Classes, GetMethodImplementationResolvesAtTheMomentOfTheCall) {
+    const Class base = objc_allocateClassPair(NSObject::objcClass(), "ResolveBase", 0);
+    objc_registerClassPair(base);
+    const Class sub = objc_allocateClassPair(base, "ResolveSub", 0);
+    objc_registerClassPair(sub);
+    class_addMethod(base, sel<"number">(), reinterpret_cast<IMP>(&returnsSeven), "i@:");
+    EXPECT_EQ(class_getMethodImplementation(sub, sel<"number">()),
+              reinterpret_cast<IMP>(&returnsSeven));
+    method_setImplementation(class_getInstanceMethod(base, sel<"number">()),
+                             reinterpret_cast<IMP>(&returnsEight));
+    EXPECT_EQ(class_getMethodImplementation(sub, sel<"number">()),
+              reinterpret_cast<IMP>(&returnsEight));
+    // A selector nobody implements resolves to the forwarding entry, never null.
+    EXPECT_NE(class_getMethodImplementation(sub, sel<"noSuchMethod">()), nullptr);
+}
+
+TEST(Classes, MethodListIsInOrderOfAddition) {
+    unsigned int count = 0;
+    Method* list = class_copyMethodList(Counter::objcClass(), &count);
+    ASSERT_EQ(count, 3u);
+    EXPECT_STREQ(sel_getName(method_getName(list[0])), "add:");
+    EXPECT_STREQ(sel_getName(method_getName(list[2])), "name");
+    std::free(list);
+}
+
+TEST(Classes, SelectorsAreInternedAndComparedByPointer) {
+    const std::string name = "some:" + std::to_string(42) + ":";
+    EXPECT_EQ(sel_registerName(name.c_str()), sel_registerName("some:42:"));
+    EXPECT_NE(sel_registerName("some:42:"), sel_registerName("some:43:"));
+    EXPECT_STREQ(sel_getName(sel<"add:">()), "add:");
+}
+
+TEST(Classes, LoadRunsOnceSuperclassesFirstThenCategories) {
+    // Runtime-made classes with +load, loaded as one image.
+    static std::string order;
+    struct Loads {
+        static void base(Class, SEL) { order += "B"; }
+        static void sub(Class, SEL) { order += "S"; }
+    };
+    const Class base = objc_allocateClassPair(NSObject::objcClass(), "LoadBase", 0);
+    const Class sub = objc_allocateClassPair(base, "LoadSub", 0);
+    class_addMethod(object_getClass(base), sel<"load">(), reinterpret_cast<IMP>(&Loads::base),
+                    "v@:");
+    class_addMethod(object_getClass(sub), sel<"load">(), reinterpret_cast<IMP>(&Loads::sub), "v@:");
+    objc_registerClassPair(base);
+    objc_registerClassPair(sub);
+    static Class subClass = sub;
+    static Class baseClass = base;
+    objc::loadImage(
+        {[]() noexcept { return subClass; }, []() noexcept { return baseClass; }},
+        {{"LoadBase", "Extras", [](Class) { order += "a"; }, [](Class) { order += "C"; }}});
+    EXPECT_EQ(order, "aBSC");
+    objc::loadImage({[]() noexcept { return subClass; }});
+    EXPECT_EQ(order, "aBSC");
+}
+
+}  // namespace
