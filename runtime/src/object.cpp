@@ -48,7 +48,9 @@ struct PoolStack {
 };
 
 PoolStack& poolStack() {
-    thread_local PoolStack stack;
+    // Initial-exec: the runtime is loaded with the program, and every
+    // autorelease reaches this variable.
+    [[gnu::tls_model("initial-exec")]] thread_local PoolStack stack;
     return stack;
 }
 

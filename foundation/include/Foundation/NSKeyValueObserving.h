@@ -1,0 +1,27 @@
+// Key-value observing vocabulary: what observers ask for and what they are told.
+#pragma once
+
+#include <objc/object.h>
+#include <objc/string.h>
+
+using NSKeyValueObservingOptions = NSUInteger;
+inline constexpr NSKeyValueObservingOptions NSKeyValueObservingOptionNew = 0x01;
+inline constexpr NSKeyValueObservingOptions NSKeyValueObservingOptionOld = 0x02;
+inline constexpr NSKeyValueObservingOptions NSKeyValueObservingOptionInitial = 0x04;
+
+using NSKeyValueChange = NSUInteger;
+inline constexpr NSKeyValueChange NSKeyValueChangeSetting = 1;
+
+// Keys of the change dictionary.
+extern NSString* const NSKeyValueChangeKindKey;  // "kind": an NSNumber NSKeyValueChange
+extern NSString* const NSKeyValueChangeNewKey;   // "new"
+extern NSString* const NSKeyValueChangeOldKey;   // "old"
+
+// The message observers receive:
+//   - (void)observeValueForKeyPath:(NSString*)keyPath ofObject:(id)object
+//                            change:(NSDictionary*)change context:(void*)context;
+namespace foundation {
+inline SEL observeValueSelector() {
+    return objc::sel<"observeValueForKeyPath:ofObject:change:context:">();
+}
+}  // namespace foundation

@@ -1,0 +1,150 @@
+#include "file_io.h"
+
+#include <fcntl.h>
+#include <stdio.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <string>
+#include <utility>
+
+namespace foundation::detail {
+namespace {
+
+// Closes a descriptor at the end of its scope.
+class FileDescriptor {
+  public:
+    explicit FileDescriptor(int fd) : fd_(fd) {}
+    FileDescriptor(const FileDescriptor&) = delete;
+    FileDescriptor& operator=(const FileDescriptor&) = delete;
+    ~FileDescriptor() { close(); }
+    int get() const { return fd_; }
+    explicit operator bool() const { return fd_ >= 0; }
+    bool close() {
+        if (fd_ < 0) return true;
+        const int result = ::close(std::exchange(fd_, -1));
+        return result == 0;
+    }
+
+  private:
+    int fd_;
+};
+
+bool writeAll(int fd, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t n = ::write(fd, bytes.data(), bytes.size());
+        if (n < 0) {
+            if (errno == EINTR) continue;
+            return false;
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(n));
+    }
+    return true;
+}
+
+std::string baseName(const std::string& path) {
+    const auto slash = path.find_last_of('/');
+    return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+}  // namespace
+
+std::string parentFolder(const std::string& path) {
+    const auto slash = path.find_last_of('/');
+    if (slash == std::string::npos) return ".";
+    if (slash == 0) return "/";
+    return path.substr(0, slash);
+}
+
+std::optional<std::string> readFile(const std::string& path, int* error) {
+    const FileDescriptor fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    const auto fail = [&]() -> std::optional<std::string> {
+        if (error != nullptr) *error = errno;
+        return std::nullopt;
+    };
+    if (!fd) return fail();
+    struct stat info {};
+    if (::fstat(fd.get(), &info) != 0) return fail();
+    if (S_ISDIR(info.st_mode)) {
+        errno = EISDIR;
+        return fail();
+    }
+    std::string bytes;
+    bytes.reserve(static_cast<std::size_t>(info.st_size));
+    char buffer[65536];
+    for (;;) {
+        const ssize_t n = ::read(fd.get(), buffer, sizeof buffer);
+        if (n < 0) {
+            if (errno == EINTR) continue;
+            return fail();
+        }
+        if (n == 0) break;
+        bytes.append(buffer, static_cast<std::size_t>(n));
+    }
+    if (error != nullptr) *error = 0;
+    return bytes;
+}
+
+bool createDirectories(const std::string& path) {
+    if (path.empty()) return false;
+    struct stat info {};
+    if (::stat(path.c_str(), &info) == 0) return S_ISDIR(info.st_mode);
+    const std::string parent = parentFolder(path);
+    if (parent != path && parent != "." && !createDirectories(parent)) return false;
+    if (::mkdir(path.c_str(), 0755) == 0 || errno == EEXIST) {
+        return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+    }
+    return false;
+}
+
+bool writeFileAtomically(const std::string& path, std::string_view bytes, bool durable) {
+    static std::atomic<unsigned> counter{0};
+    const std::string folder = parentFolder(path);
+    // A hidden name unique to this process and call: concurrent writers never
+    // share a temporary file.
+    const std::string temporary = folder + "/." + baseName(path) + ".tmp-" +
+                                  std::to_string(::getpid()) + "-" +
+                                  std::to_string(counter.fetch_add(1));
+    FileDescriptor fd(
+        ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_TRUNC, 0644));
+    if (!fd) return false;
+    bool ok = writeAll(fd.get(), bytes) && (!durable || ::fsync(fd.get()) == 0);
+    ok = fd.close() && ok;
+    if (ok) ok = ::rename(temporary.c_str(), path.c_str()) == 0;
+    if (!ok) {
+        const int saved = errno;
+        ::unlink(temporary.c_str());
+        errno = saved;
+        return false;
+    }
+    if (durable) {
+        // The rename itself lives in the folder.
+        const FileDescriptor dir(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        if (dir) ::fsync(dir.get());
+    }
+    return true;
+}
+
+std::optional<std::string> moveAside(const std::string& path, const std::string& suffix) {
+    for (int n = 0; n < 1000; ++n) {
+        std::string target = path + suffix;
+        if (n > 0) target += "-" + std::to_string(n);
+        // renameat2 with RENAME_NOREPLACE never replaces; where the file system
+        // lacks it, a hard link fails just as safely when the name is taken.
+        if (::renameat2(AT_FDCWD, path.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0) {
+            return target;
+        }
+        if (errno == EEXIST) continue;
+        if (errno != EINVAL && errno != ENOSYS) return std::nullopt;
+        if (::link(path.c_str(), target.c_str()) == 0) {
+            ::unlink(path.c_str());
+            return target;
+        }
+        if (errno != EEXIST) return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+}  // namespace foundation::detail

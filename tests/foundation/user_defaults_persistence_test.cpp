@@ -1,0 +1,223 @@
+// Persistence of user defaults: values survive instances and processes, bursts
+// are written in the background, unreadable files are kept aside, and a
+// process killed at any moment leaves a file that loads with every
+// acknowledged value.
+#include <gtest/gtest.h>
+
+#include <Foundation/NSArray.h>
+#include <Foundation/NSDate.h>
+#include <Foundation/NSDictionary.h>
+#include <Foundation/NSNumber.h>
+#include <Foundation/NSUserDefaults.h>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <random>
+#include <thread>
+#include <vector>
+
+#include "temp_folder.h"
+
+namespace {
+
+using testing_support::readAll;
+using testing_support::TempFolder;
+namespace fs = std::filesystem;
+
+NSString* S(const char* text) {
+    return NSString::stringWithUTF8String(text);
+}
+
+std::vector<std::string> filesIn(const std::string& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(folder)) {
+        names.push_back(entry.path().filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+TEST(DefaultsPersistence, ValuesSurviveIntoANewInstanceWithTheirKinds) {
+    objc::AutoreleasePool pool;
+    TempFolder folder;
+    const std::string file = folder / "Library/Preferences/app.plist";  // folders are created
+    {
+        auto defaults = NSUserDefaults::create(file);
+        defaults->setBoolForKey(true, S("flag"));
+        defaults->setIntegerForKey(12, S("count"));
+        defaults->setDoubleForKey(0.5, S("ratio"));
+        defaults->setObjectForKey(NSDate::create(100.25), S("when"));
+        defaults->setObjectForKey(
+            NSDictionary::create({{S("list"), NSArray::create({S("a"), S("b")}).get()}}),
+            S("nested"));
+        defaults->setObjectForKey(S("gone"), S("removed"));
+        defaults->removeObjectForKey(S("removed"));
+        EXPECT_TRUE(defaults->synchronize());
+        EXPECT_TRUE(defaults->synchronize());  // nothing new: still on disk
+    }
+    auto reloaded = NSUserDefaults::create(file);
+    auto* flag = objc::cast<NSNumber>(reloaded->objectForKey(S("flag")));
+    ASSERT_NE(flag, nullptr);
+    EXPECT_TRUE(flag->isBoolean());
+    EXPECT_EQ(reloaded->integerForKey(S("count")), 12);
+    EXPECT_EQ(reloaded->doubleForKey(S("ratio")), 0.5);
+    EXPECT_TRUE(NSDate::create(100.25)->isEqual(reloaded->objectForKey(S("when"))));
+    EXPECT_EQ(reloaded->objectForKey(S("removed")), nullptr);
+    auto* nested = reloaded->dictionaryForKey(S("nested"));
+    ASSERT_NE(nested, nullptr);
+    EXPECT_EQ(objc::cast<NSArray>(nested->objectForKey(S("list")))->count(), 2u);
+    // Only the file itself: no temporary files are left behind.
+    EXPECT_EQ(filesIn(folder / "Library/Preferences"), std::vector<std::string>{"app.plist"});
+}
+
+TEST(DefaultsPersistence, ChangesReachTheDiskSoonWithoutSynchronize) {
+    objc::AutoreleasePool pool;
+    TempFolder folder;
+    const std::string file = folder / "app.plist";
+    auto defaults = NSUserDefaults::create(file);
+    for (int i = 0; i <= 100; ++i) defaults->setIntegerForKey(i, S("burst"));
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    bool seen = false;
+    while (!seen && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        if (fs::exists(file)) seen = NSUserDefaults::create(file)->integerForKey(S("burst")) == 100;
+    }
+    EXPECT_TRUE(seen) << "the background writer did not save the last value";
+}
+
+TEST(DefaultsPersistence, UnreadableFilesAreKeptAsideAndDefaultsStartEmpty) {
+    objc::AutoreleasePool pool;
+    TempFolder folder;
+    const std::string file = folder / "app.plist";
+    const std::vector<std::string> broken = {
+        "not a property list at all",
+        R"(<?xml version="1.0"?><plist><array><string>x</string></array></plist>)", ""};
+    for (const auto& bytes : broken) {
+        folder.write("app.plist", bytes);
+        auto defaults = NSUserDefaults::create(file);
+        EXPECT_EQ(defaults->dictionaryRepresentation()->count(), 0u);
+        EXPECT_FALSE(fs::exists(file));
+        defaults->setObjectForKey(S("fresh"), S("k"));
+        EXPECT_TRUE(defaults->synchronize());
+    }
+    // Every broken file is still there, byte for byte, under its own name.
+    std::vector<std::string> kept;
+    for (const auto& name : filesIn(folder.path())) {
+        if (name.rfind("app.plist.unreadable-", 0) == 0) kept.push_back(readAll(folder / name));
+    }
+    std::sort(kept.begin(), kept.end());
+    auto expected = broken;
+    std::sort(expected.begin(), expected.end());
+    EXPECT_EQ(kept, expected);
+    EXPECT_TRUE(S("fresh")->isEqual(NSUserDefaults::create(file)->objectForKey(S("k"))));
+}
+
+// The helper program sits beside this test program.
+std::string helperPath() {
+    return (fs::read_symlink("/proc/self/exe").parent_path() / "defaults_writer").string();
+}
+
+struct Child {
+    pid_t pid = -1;
+    int output = -1;  // its standard output
+};
+
+Child spawn(const std::vector<std::string>& args) {
+    int fds[2];
+    EXPECT_EQ(::pipe2(fds, O_CLOEXEC), 0);
+    std::vector<char*> argv;
+    const std::string helper = helperPath();
+    argv.push_back(const_cast<char*>(helper.c_str()));
+    for (const auto& a : args) argv.push_back(const_cast<char*>(a.c_str()));
+    argv.push_back(nullptr);
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        ::dup2(fds[1], STDOUT_FILENO);
+        ::execv(helper.c_str(), argv.data());
+        ::_exit(127);
+    }
+    ::close(fds[1]);
+    return Child{pid, fds[0]};
+}
+
+int waitFor(pid_t pid) {
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    return status;
+}
+
+TEST(DefaultsPersistence, ValuesWrittenByAProcessThatExitsNormallyAreThereNextTime) {
+    objc::AutoreleasePool pool;
+    TempFolder folder;
+    const std::string file = folder / "app.plist";
+    Child child = spawn({file, "set", "language=fr", "theme=dark"});
+    const int status = waitFor(child.pid);
+    ::close(child.output);
+    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+    auto defaults = NSUserDefaults::create(file);
+    EXPECT_TRUE(S("fr")->isEqual(defaults->objectForKey(S("language"))));
+    EXPECT_TRUE(S("dark")->isEqual(defaults->objectForKey(S("theme"))));
+}
+
+TEST(DefaultsPersistence, AProcessKilledAtAnyMomentLeavesEveryAcknowledgedValue) {
+    TempFolder folder;
+    const std::string file = folder / "app.plist";
+    std::mt19937 random(std::random_device{}());
+    long lastAcknowledged = 0;
+    for (int round = 0; round < 8; ++round) {
+        objc::AutoreleasePool pool;
+        Child child = spawn({file, "loop"});
+        // Once it is writing (its first acknowledgement), let it run a
+        // random while longer, then kill it wherever it is.
+        std::string received;
+        const auto readSome = [&](int timeoutMs) {
+            pollfd p{child.output, POLLIN, 0};
+            if (::poll(&p, 1, timeoutMs) <= 0) return false;
+            char buffer[4096];
+            const ssize_t n = ::read(child.output, buffer, sizeof buffer);
+            if (n > 0) received.append(buffer, static_cast<std::size_t>(n));
+            return n > 0;
+        };
+        const auto started = std::chrono::steady_clock::now();
+        while (received.find('\n') == std::string::npos &&
+               std::chrono::steady_clock::now() - started < std::chrono::seconds(20)) {
+            readSome(50);
+        }
+        const auto until =
+            std::chrono::steady_clock::now() + std::chrono::milliseconds(random() % 120);
+        while (std::chrono::steady_clock::now() < until) readSome(2);
+        ::kill(child.pid, SIGKILL);
+        // Lines that arrived before the kill count; a partial last line does not.
+        char buffer[4096];
+        for (ssize_t n; (n = ::read(child.output, buffer, sizeof buffer)) > 0;) {
+            received.append(buffer, static_cast<std::size_t>(n));
+        }
+        ::close(child.output);
+        const int status = waitFor(child.pid);
+        ASSERT_TRUE(WIFSIGNALED(status)) << "the child ended by itself: " << status;
+        const auto lastNewline = received.rfind('\n');
+        if (lastNewline != std::string::npos) {
+            const auto start = received.rfind('\n', lastNewline - 1);
+            const std::string line =
+                received.substr(start == std::string::npos ? 0 : start + 1,
+                                lastNewline - (start == std::string::npos ? 0 : start + 1));
+            lastAcknowledged = std::stol(line);
+        }
+        auto defaults = NSUserDefaults::create(file);
+        EXPECT_GE(defaults->integerForKey(S("counter")), lastAcknowledged) << "round " << round;
+        EXPECT_NE(defaults->stringForKey(S("padding")), nullptr) << "round " << round;
+        // The file always loads: nothing was set aside as unreadable.
+        for (const auto& name : filesIn(folder.path())) {
+            EXPECT_EQ(name.find("unreadable"), std::string::npos) << name;
+        }
+    }
+    EXPECT_GT(lastAcknowledged, 0) << "the child never acknowledged a write";
+}
+
+}  // namespace

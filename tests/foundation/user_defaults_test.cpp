@@ -1,0 +1,247 @@
+// User defaults: storing, reading and converting values; refusing what is not
+// a property list; registered defaults; the process-wide instance.
+#include <gtest/gtest.h>
+
+#include <Foundation/NSArray.h>
+#include <Foundation/NSBundle.h>
+#include <Foundation/NSData.h>
+#include <Foundation/NSDate.h>
+#include <Foundation/NSDictionary.h>
+#include <Foundation/NSMutableString.h>
+#include <Foundation/NSNumber.h>
+#include <Foundation/NSUserDefaults.h>
+#include <Foundation/ProcessEnvironment.h>
+
+#include <filesystem>
+
+#include "temp_folder.h"
+
+namespace {
+
+using testing_support::TempFolder;
+
+NSString* S(const char* text) {
+    return NSString::stringWithUTF8String(text);
+}
+
+objc::Strong<NSUserDefaults> inMemory() {
+    return NSUserDefaults::create("");
+}
+
+TEST(UserDefaults, StoresAndAnswersEveryPropertyListKind) {
+    objc::AutoreleasePool pool;
+    auto defaults = inMemory();
+    const auto date = NSDate::create(1000.5);
+    const auto data = NSData::create(std::string_view("\x00\x01", 2));
+    const auto list = NSArray::create({S("a"), NSNumber::create(1).get()});
+    const auto dictionary = NSDictionary::create({{S("k"), list.get()}});
+    defaults->setObjectForKey(S("text"), S("string"));
+    defaults->setObjectForKey(date, S("date"));
+    defaults->setObjectForKey(data, S("data"));
+    defaults->setObjectForKey(list, S("array"));
+    defaults->setObjectForKey(dictionary, S("dictionary"));
+
+    EXPECT_TRUE(S("text")->isEqual(defaults->stringForKey(S("string"))));
+    EXPECT_TRUE(date->isEqual(defaults->objectForKey(S("date"))));
+    EXPECT_TRUE(data->isEqual(defaults->dataForKey(S("data"))));
+    EXPECT_TRUE(list->isEqual(defaults->arrayForKey(S("array"))));
+    EXPECT_TRUE(dictionary->isEqual(defaults->dictionaryForKey(S("dictionary"))));
+    EXPECT_EQ(defaults->objectForKey(S("absent")), nullptr);
+    EXPECT_EQ(defaults->objectForKey(nullptr), nullptr);
+    // Typed readers answer nil for a value of another class.
+    EXPECT_EQ(defaults->arrayForKey(S("string")), nullptr);
+    EXPECT_EQ(defaults->dictionaryForKey(S("array")), nullptr);
+    EXPECT_EQ(defaults->dataForKey(S("string")), nullptr);
+    EXPECT_EQ(defaults->stringForKey(S("array")), nullptr);
+}
+
+TEST(UserDefaults, TypedSettersAndReadersConvertAsThePlatformDoes) {
+    objc::AutoreleasePool pool;
+    auto defaults = inMemory();
+    defaults->setBoolForKey(true, S("flag"));
+    defaults->setIntegerForKey(-7, S("count"));
+    defaults->setFloatForKey(1.5f, S("ratio"));
+    defaults->setDoubleForKey(2.25, S("precise"));
+
+    EXPECT_TRUE(defaults->boolForKey(S("flag")));
+    auto* flag = objc::cast<NSNumber>(defaults->objectForKey(S("flag")));
+    ASSERT_NE(flag, nullptr);
+    EXPECT_TRUE(flag->isBoolean());
+    EXPECT_EQ(defaults->integerForKey(S("count")), -7);
+    EXPECT_EQ(defaults->floatForKey(S("ratio")), 1.5f);
+    EXPECT_EQ(defaults->doubleForKey(S("precise")), 2.25);
+    EXPECT_EQ(defaults->integerForKey(S("precise")), 2);
+    EXPECT_TRUE(S("-7")->isEqual(defaults->stringForKey(S("count"))));
+
+    // Strings convert to numbers and booleans.
+    defaults->setObjectForKey(S(" 42 "), S("numeric"));
+    defaults->setObjectForKey(S("YES"), S("yes"));
+    defaults->setObjectForKey(S("true"), S("true"));
+    defaults->setObjectForKey(S("0"), S("zero"));
+    defaults->setObjectForKey(S("3.5"), S("real"));
+    EXPECT_EQ(defaults->integerForKey(S("numeric")), 42);
+    EXPECT_TRUE(defaults->boolForKey(S("yes")));
+    EXPECT_TRUE(defaults->boolForKey(S("true")));
+    EXPECT_FALSE(defaults->boolForKey(S("zero")));
+    EXPECT_EQ(defaults->doubleForKey(S("real")), 3.5);
+    // Absent keys and other classes answer zero.
+    EXPECT_FALSE(defaults->boolForKey(S("absent")));
+    EXPECT_EQ(defaults->integerForKey(S("absent")), 0);
+    defaults->setObjectForKey(NSArray::create({}), S("list"));
+    EXPECT_EQ(defaults->doubleForKey(S("list")), 0.0);
+}
+
+TEST(UserDefaults, NilRemovesAndRemoveObjectForKeyRemoves) {
+    objc::AutoreleasePool pool;
+    auto defaults = inMemory();
+    defaults->setObjectForKey(S("v"), S("a"));
+    defaults->setObjectForKey(S("v"), S("b"));
+    defaults->setObjectForKey(nullptr, S("a"));
+    defaults->removeObjectForKey(S("b"));
+    defaults->removeObjectForKey(S("never set"));
+    EXPECT_EQ(defaults->objectForKey(S("a")), nullptr);
+    EXPECT_EQ(defaults->objectForKey(S("b")), nullptr);
+    EXPECT_EQ(defaults->dictionaryRepresentation()->count(), 0u);
+}
+
+TEST(UserDefaults, RefusesNonPropertyListsNamingKeyAndClassAndStoresNothing) {
+    objc::AutoreleasePool pool;
+    auto defaults = inMemory();
+    defaults->setObjectForKey(S("before"), S("key"));
+    const auto stranger = objc::make<NSObject>();
+    const auto cases = {
+        static_cast<id>(stranger.get()),
+        static_cast<id>(NSArray::create({S("fine"), stranger.get()}).leak()),
+        static_cast<id>(NSDictionary::create({{S("inner"), stranger.get()}}).leak()),
+        static_cast<id>(NSDictionary::create({{NSNumber::create(1).get(), S("v")}}).leak()),
+    };
+    for (id value : cases) {
+        try {
+            defaults->setObjectForKey(value, S("key"));
+            ADD_FAILURE() << "accepted " << static_cast<NSObject*>(value)->description()->utf8();
+        } catch (const objc::Exception& e) {
+            EXPECT_EQ(e.name(), "NSInvalidArgumentException");
+            const std::string reason = e.reason();
+            EXPECT_NE(reason.find("\"key\""), std::string::npos) << reason;
+            EXPECT_TRUE(reason.find("NSObject") != std::string::npos ||
+                        reason.find("NSNumber") != std::string::npos)
+                << reason;
+        }
+        EXPECT_TRUE(S("before")->isEqual(defaults->objectForKey(S("key"))));
+    }
+    for (id value : cases) {
+        if (value != stranger.get()) objc_release(value);
+    }
+    // Nested offenders are located.
+    try {
+        defaults->setObjectForKey(NSArray::create({S("fine"), stranger.get()}), S("list"));
+    } catch (const objc::Exception& e) {
+        EXPECT_NE(e.reason().find("[1]"), std::string::npos) << e.reason();
+    }
+    EXPECT_EQ(defaults->objectForKey(S("list")), nullptr);
+    EXPECT_THROW(defaults->setObjectForKey(S("v"), nullptr), objc::Exception);
+    EXPECT_THROW(defaults->setObjectForKey(S("v"), reinterpret_cast<NSString*>(stranger.get())),
+                 objc::Exception);
+}
+
+TEST(UserDefaults, StoresImmutableCopiesSoCallersCanKeepChangingTheirObjects) {
+    objc::AutoreleasePool pool;
+    auto defaults = inMemory();
+    auto text = NSMutableString::create("draft");
+    auto items = NSMutableArray::create({text.get()});
+    auto settings = NSMutableDictionary::create({{S("items"), items.get()}});
+    defaults->setObjectForKey(settings, S("settings"));
+    defaults->setObjectForKey(text, S("text"));
+
+    text->appendString(S(" changed"));
+    items->addObject(S("more"));
+    settings->setObjectForKey(S("x"), S("added"));
+
+    auto* stored = objc::cast<NSDictionary>(defaults->objectForKey(S("settings")));
+    ASSERT_NE(stored, nullptr);
+    EXPECT_FALSE(objc::isKindOf(stored, NSMutableDictionary::objcClass()));
+    EXPECT_EQ(stored->count(), 1u);
+    auto* storedItems = objc::cast<NSArray>(stored->objectForKey(S("items")));
+    ASSERT_NE(storedItems, nullptr);
+    EXPECT_FALSE(objc::isKindOf(storedItems, NSMutableArray::objcClass()));
+    ASSERT_EQ(storedItems->count(), 1u);
+    EXPECT_TRUE(S("draft")->isEqual(storedItems->objectAtIndex(0)));
+    EXPECT_FALSE(objc::isKindOf(storedItems->objectAtIndex(0), NSMutableString::objcClass()));
+    EXPECT_TRUE(S("draft")->isEqual(defaults->objectForKey(S("text"))));
+
+    // Keys are copied too: a mutable key changed later finds nothing new.
+    auto key = NSMutableString::create("k1");
+    defaults->setObjectForKey(S("v"), key);
+    key->setString(S("k2"));
+    EXPECT_NE(defaults->objectForKey(S("k1")), nullptr);
+    EXPECT_EQ(defaults->objectForKey(S("k2")), nullptr);
+    EXPECT_NE(defaults->objectForKey(NSMutableString::create("k1")), nullptr);
+}
+
+TEST(UserDefaults, AnsweredValuesOutliveLaterChanges) {
+    auto defaults = inMemory();
+    NSObject* value = nullptr;
+    {
+        objc::AutoreleasePool pool;
+        defaults->setObjectForKey(NSMutableString::create("first value"), S("k"));
+        value = static_cast<NSObject*>(defaults->objectForKey(S("k")));
+        defaults->setObjectForKey(S("second"), S("k"));
+        defaults->removeObjectForKey(S("k"));
+        // Still alive: the answer was retained and autoreleased for us.
+        EXPECT_EQ(value->description()->utf8(), "first value");
+    }
+}
+
+TEST(UserDefaults, RegisteredDefaultsAnswerUntilAValueIsSet) {
+    objc::AutoreleasePool pool;
+    auto defaults = inMemory();
+    defaults->registerDefaults(
+        NSDictionary::create({{S("volume"), NSNumber::create(5).get()}, {S("name"), S("anon")}}));
+    EXPECT_EQ(defaults->integerForKey(S("volume")), 5);
+    defaults->setIntegerForKey(9, S("volume"));
+    EXPECT_EQ(defaults->integerForKey(S("volume")), 9);
+    defaults->removeObjectForKey(S("volume"));
+    EXPECT_EQ(defaults->integerForKey(S("volume")), 5);
+
+    NSDictionary* all = defaults->dictionaryRepresentation();
+    EXPECT_EQ(all->count(), 2u);
+    defaults->setObjectForKey(S("me"), S("name"));
+    all = defaults->dictionaryRepresentation();
+    EXPECT_TRUE(S("me")->isEqual(all->objectForKey(S("name"))));
+    EXPECT_EQ(all->count(), 2u);
+
+    const auto bad = NSDictionary::create({{S("x"), objc::make<NSObject>().get()}});
+    EXPECT_THROW(defaults->registerDefaults(bad), objc::Exception);
+}
+
+TEST(UserDefaults, StandardDefaultsLiveInTheContainerUnderTheBundleIdentifier) {
+    objc::AutoreleasePool pool;
+    TempFolder home;
+    TempFolder app;
+    app.write("Info.plist", R"(<?xml version="1.0" encoding="UTF-8"?>
+<plist version="1.0"><dict><key>CFBundleIdentifier</key><string>net.example.defaults-test</string></dict></plist>)");
+    foundation::configureProcess({home.path(), app.path(), {"en"}});
+    NSUserDefaults::resetStandardUserDefaults();
+
+    NSUserDefaults* standard = NSUserDefaults::standardUserDefaults();
+    EXPECT_EQ(standard, NSUserDefaults::standardUserDefaults());
+    const std::string expected = home / "Library/Preferences/net.example.defaults-test.plist";
+    EXPECT_EQ(standard->filePath(), expected);
+    // -init shares the standard storage.
+    auto other = objc::make<NSUserDefaults>();
+    EXPECT_EQ(other.get(), standard);
+
+    standard->setObjectForKey(S("stored"), S("key"));
+    EXPECT_TRUE(standard->synchronize());
+    EXPECT_TRUE(std::filesystem::exists(expected));
+
+    // A fresh process-wide object reads what the previous one wrote.
+    NSUserDefaults::resetStandardUserDefaults();
+    NSUserDefaults* fresh = NSUserDefaults::standardUserDefaults();
+    EXPECT_NE(fresh, standard);
+    EXPECT_TRUE(S("stored")->isEqual(fresh->objectForKey(S("key"))));
+    NSUserDefaults::resetStandardUserDefaults();
+    foundation::configureProcess({});
+}
+
+}  // namespace
