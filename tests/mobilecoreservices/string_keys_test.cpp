@@ -1,0 +1,64 @@
+// The case-insensitive keys read strings eight bytes at a time; they must
+// agree with a byte-by-byte reading at every length and for every byte.
+#include <gtest/gtest.h>
+
+#include "StringKeys.h"
+
+#include <random>
+#include <string>
+
+namespace mobilecoreservices {
+namespace {
+
+bool slowEquals(const std::string& a, const std::string& b) {
+    if (a.size() != b.size()) return false;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (asciiLower(a[i]) != asciiLower(b[i])) return false;
+    }
+    return true;
+}
+
+TEST(StringKeys, AgreeWithByteByByteFoldingAtEveryLength) {
+    std::mt19937 random(7);
+    // Letters around the A-Z and a-z edges, plus bytes with the high bit set
+    // (UTF-8), which must never fold.
+    const std::string alphabet = "@AZ[`az{09.-\xc1\xe1\xda\xfa\x80\xff";
+    auto pick = [&] { return alphabet[random() % alphabet.size()]; };
+    const CaseInsensitiveHash hash;
+    const CaseInsensitiveEqual equal;
+    for (std::size_t length = 0; length <= 33; ++length) {
+        for (int round = 0; round < 300; ++round) {
+            std::string a, b;
+            for (std::size_t i = 0; i < length; ++i) a += pick();
+            // b: a with each byte's case flipped at random, or a changed byte.
+            b = a;
+            for (char& c : b) {
+                if (c >= 'a' && c <= 'z' && random() % 2) c = static_cast<char>(c - 32);
+                if (c >= 'A' && c <= 'Z' && random() % 2) c = static_cast<char>(c + 32);
+            }
+            if (length > 0 && round % 3 == 0) b[random() % length] = pick();
+            SCOPED_TRACE(testing::Message() << "length " << length << ": " << a << " / " << b);
+            ASSERT_EQ(equal(a, b), slowEquals(a, b));
+            if (slowEquals(a, b)) {
+                ASSERT_EQ(hash(a), hash(b));
+            }
+        }
+    }
+    EXPECT_FALSE(equal("\xc1", "\xe1"));  // Latin-1 Á/á are not ASCII
+    EXPECT_FALSE(equal("abc", "abcd"));
+    EXPECT_TRUE(equal("", ""));
+    EXPECT_NE(hash("public.jpeg"), hash("public.jpg"));
+    EXPECT_EQ(asciiLower("Public.JPEG-2000\xc1"), "public.jpeg-2000\xc1");
+}
+
+TEST(StringKeys, MapsFindKeysInAnyCase) {
+    CaseInsensitiveMap<int> map{{"public.jpeg", 1}, {"org.openxmlformats.openxml", 2}};
+    EXPECT_EQ(map.at("PUBLIC.JPEG"), 1);
+    ASSERT_NE(map.find(std::string_view("Org.OpenXmlFormats.OpenXml")), map.end());
+    EXPECT_EQ(map.find(std::string_view("public.jpe")), map.end());
+    CaseInsensitiveSet set{"public.data"};
+    EXPECT_TRUE(set.contains(std::string_view("PUBLIC.data")));
+}
+
+}  // namespace
+}  // namespace mobilecoreservices
