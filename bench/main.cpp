@@ -16,9 +16,12 @@ class CollectingReporter : public benchmark::ConsoleReporter {
         for (const Run& run : runs) {
             if (run.run_type != Run::RT_Iteration || run.error_occurred) continue;
             // CPU nanoseconds per iteration, whatever unit the benchmark prints in:
-            // less disturbed than wall time by other work on the machine.
+            // less disturbed than wall time by other work on the machine. A
+            // benchmark that asks for real time (I/O, other processes) gets it.
+            const bool real = run.run_name.time_type == "real_time";
             nanoseconds_[run.benchmark_name()] =
-                run.GetAdjustedCPUTime() * multiplier(run.time_unit);
+                (real ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime()) *
+                multiplier(run.time_unit);
         }
         ConsoleReporter::ReportRuns(runs);
     }

@@ -2,7 +2,14 @@
 
 #include "file_browser_classes.h"
 
+#include <TolbrennDevTools/ParcelvaneFileBrowserViewController.h>
+
 #include <Foundation/dispatch.h>
+
+#include <UIKit/UINavigationController.h>
+
+#include <objc/exception.h>
+#include <objc/string.h>
 
 #include <objc/image.h>
 
@@ -15,7 +22,9 @@ void TolbrennDevTools::objcDefine(objc::ClassBuilder<TolbrennDevTools>& b) {
     b.classMethod<&TolbrennDevTools::imp_loadFileBrowserLibrariesIfNeeded>(
          "loadFileBrowserLibrariesIfNeeded")
         .classMethod<&TolbrennDevTools::imp_fileBrowserLibrariesLoaded>(
-            "fileBrowserLibrariesLoaded");
+            "fileBrowserLibrariesLoaded")
+        .classMethod<&TolbrennDevTools::imp_showFilePicker>(
+            "showFilePickerFromViewController:didSelectFile:didLoadPath:cancelBlock:");
 }
 
 namespace {
@@ -37,4 +46,22 @@ void TolbrennDevTools::imp_loadFileBrowserLibrariesIfNeeded(Class) {
 
 bool TolbrennDevTools::imp_fileBrowserLibrariesLoaded(Class) {
     return fileBrowserReady.load(std::memory_order_acquire);
+}
+
+void TolbrennDevTools::imp_showFilePicker(Class, UIViewController* presenter,
+                                          PathBlock* didSelectFile, PathBlock* didLoadPath,
+                                          PathBlock* cancelBlock) {
+    if (presenter == nullptr) {
+        objc::raise(objc::kInvalidArgumentException,
+                    "+[TolbrennDevTools showFilePickerFromViewController:...]: nil presenter");
+    }
+    loadFileBrowserLibrariesIfNeeded();
+    const objc::AutoreleasePool pool;
+    // The point is the device's whole file system, not the app's container.
+    auto browser = ParcelvaneFileBrowserViewController::create(NSSTR("/"));
+    browser->setDidSelectFile(didSelectFile);
+    browser->setDidLoadPath(didLoadPath);
+    browser->setCancelBlock(cancelBlock);
+    const auto navigation = UINavigationController::create(browser.get());
+    presenter->presentViewController(navigation.get(), true, nullptr);
 }

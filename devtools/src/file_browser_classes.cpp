@@ -1,14 +1,17 @@
 #include "file_browser_classes.h"
 
+#include <TolbrennDevTools/ParcelvaneFileBrowserViewController.h>
+
 #include <array>
 
 namespace tolbrenn::detail {
 
 std::span<const objc::ClassFunction> fileBrowserClasses() {
-    // The browser's view controllers join this list as they are written
-    // (ParcelvaneFileBrowserViewController and the screens it pushes), so
-    // that preparing the browser creates every one of them.
-    static constexpr std::array<objc::ClassFunction, 0> classes{};
+    // Every view controller of the browser, so that preparing the browser
+    // creates all of them (the browser pushes more of itself, nothing else).
+    static constexpr std::array<objc::ClassFunction, 1> classes{
+        &ParcelvaneFileBrowserViewController::objcClass,
+    };
     return classes;
 }
 

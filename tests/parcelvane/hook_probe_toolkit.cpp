@@ -54,6 +54,19 @@ const HostMethod& hostMethod(const std::string& selector) {
     return it->second;
 }
 
+namespace {
+void ignoreStyle(id, SEL, NSInteger) {}
+}  // namespace
+
+id documentPickerStandIn() {
+    const Class cls = objc_allocateClassPair(NSObject::objcClass(), "ProbeDocumentPicker", 0);
+    if (cls == nullptr) fail("could not define ProbeDocumentPicker");
+    class_addMethod(cls, sel_registerName("setModalPresentationStyle:"),
+                    reinterpret_cast<IMP>(&ignoreStyle), "v24@0:8q16");
+    objc_registerClassPair(cls);
+    return objc::msgSend<id>(objc::msgSend<id>(cls, objc::sel<"alloc">()), objc::sel<"init">());
+}
+
 const Arguments& arguments() {
     static const Arguments args;
     return args;
@@ -182,9 +195,10 @@ void expectAdded(const char* className, const std::string& selector, const char*
     check(own != nullptr, what + " was added");
     check(std::strcmp(method_getTypeEncoding(own), types) == 0,
           what + " has the encoding " + types);
-    calls.clear();
-    const id result = send(instanceOf(cls), selector);
-    check(calls.empty() && result == nullptr, what + " is the library's, not inherited");
+    const IMP imp = method_getImplementation(own);
+    check(imp != standIn<kBase>(selector) && imp != standIn<kOwn>(selector) &&
+              imp != standIn<kLater>(selector),
+          what + " is the library's, not inherited");
 }
 
 void expectKeptOwn(const char* className, const std::string& selector) {

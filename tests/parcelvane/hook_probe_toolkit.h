@@ -100,12 +100,16 @@ Class defineClass(const char* name, Class superclass,
     return cls;
 }
 
+// A document picker as far as the hooks go: it takes a presentation style.
+id documentPickerStandIn();
+
 // The arguments every send passes, so that a stand-in can tell they came through.
 struct Arguments {
     // A list of document types, which every stand-in and the platform's
     // document menu initialiser accept.
     id first = NSArray::create({NSSTR("public.data")}).leak();
-    id second = NSString::create("second argument").leak();
+    // The picker of documentMenu:didPickDocumentPicker:, which the library styles.
+    id second = documentPickerStandIn();
     NSUInteger mode = 3;
 };
 const Arguments& arguments();
@@ -143,8 +147,8 @@ void expectReachesLater(const char* className, Class implementer, const std::str
 // runs the replacement, which passes on to the class's previous implementation.
 void expectReplacedOwn(const char* className, const std::string& selector);
 
-// An added method: the class's own, with the fixed encoding, and none of the
-// stand-ins runs when it is called.
+// An added method: the class's own, with the fixed encoding, and not one of
+// the stand-ins (the library's methods need a real host to run).
 void expectAdded(const char* className, const std::string& selector, const char* types);
 
 // An added method that the class implemented itself stays the class's.

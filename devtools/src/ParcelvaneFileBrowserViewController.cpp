@@ -1,0 +1,301 @@
+#include <TolbrennDevTools/ParcelvaneFileBrowserViewController.h>
+
+#include "folder_listing.h"
+
+#include <Foundation/NSArray.h>
+
+#include <UIKit/UINavigationController.h>
+
+#include <objc/image.h>
+#include <objc/runtime.h>
+#include <objc/string.h>
+
+#include <array>
+#include <cstdio>
+
+using C = ParcelvaneFileBrowserViewController;
+
+OBJC_DEFINE_CLASS(ParcelvaneFileBrowserViewController, UIViewController,
+                  "ParcelvaneFileBrowserViewController")
+OBJC_REGISTER_CLASS(ParcelvaneFileBrowserViewController)
+
+void C::objcDefine(objc::ClassBuilder<C>& b) {
+    b.method<&C::imp_init>("init")
+        .method<&C::imp_initWithPath>("initWithPath:")
+        .method<&C::imp_path>("path")
+        .method<&C::imp_delegate>("delegate")
+        .method<&C::imp_setDelegate>("setDelegate:")
+        .method<&C::imp_didSelectFile>("didSelectFile")
+        .method<&C::imp_setDidSelectFile>("setDidSelectFile:")
+        .method<&C::imp_didLoadPath>("didLoadPath")
+        .method<&C::imp_setDidLoadPath>("setDidLoadPath:")
+        .method<&C::imp_cancelBlock>("cancelBlock")
+        .method<&C::imp_setCancelBlock>("setCancelBlock:")
+        .method<&C::imp_reloadData>("reloadData")
+        .method<&C::imp_openEntryAtIndex>("openEntryAtIndex:")
+        .method<&C::imp_openPath>("openPath:")
+        .method<&C::imp_chooseEntryAtIndex>("chooseEntryAtIndex:")
+        .method<&C::imp_goUp>("goUp")
+        .method<&C::imp_cancel>("cancel")
+        .method<&C::imp_presentedController>("presentedController")
+        .method<&C::imp_viewWillAppear>("viewWillAppear:");
+}
+
+namespace {
+
+using tolbrenn::detail::normalizePath;
+using tolbrenn::detail::parentPath;
+using tolbrenn::detail::realPath;
+
+std::string titleFor(const std::string& path) {
+    if (path == "/") return path;
+    return path.substr(path.find_last_of('/') + 1);
+}
+
+template <class Block>
+objc::Strong<Block> copied(Block* block) {
+    return objc::adopt(static_cast<Block*>(objc::msgSend<id>(block, objc::sel<"copy">())));
+}
+
+}  // namespace
+
+objc::Strong<C> C::create(NSString* path) {
+    return objc::adopt(objc::alloc<C>()->initWithPath(path));
+}
+
+C* C::imp_init() {
+    return initWithPath(nullptr);
+}
+
+C* C::imp_initWithPath(NSString* path) {
+    auto* self = objc::msgSendSuper<C*>(UIViewController::objcClass(), this, objc::sel<"init">());
+    if (self == nullptr) return nullptr;
+    self->path_ = normalizePath(path != nullptr ? std::string(path->UTF8String()) : "/");
+    self->setTitle(NSString::create(titleFor(self->path_)).get());
+    return self;
+}
+
+NSString* C::imp_path() const {
+    return objc::autorelease(NSString::create(path_).leak());
+}
+
+void C::imp_setDidSelectFile(PathBlock* block) {
+    didSelectFile_ = copied(block);
+}
+
+void C::imp_setDidLoadPath(PathBlock* block) {
+    didLoadPath_ = copied(block);
+}
+
+void C::imp_setCancelBlock(PathBlock* block) {
+    cancelBlock_ = copied(block);
+}
+
+const std::vector<C::Entry>& C::entries() {
+    if (!loaded_) reloadData();
+    return entries_;
+}
+
+void C::imp_viewWillAppear(bool animated) {
+    objc::msgSendSuper<void>(UIViewController::objcClass(), this, objc::sel<"viewWillAppear:">(),
+                             animated);
+    if (!loaded_) reloadData();
+}
+
+bool C::imp_reloadData() {
+    const objc::Strong<C> keep = objc::retained(this);
+    if (!showPath(path_)) return false;
+    notify(didLoadPath_.get(), "fileBrowser:didLoadPath:", path_);
+    return true;
+}
+
+bool C::showPath(const std::string& path) {
+    tolbrenn::detail::FolderListing listing = tolbrenn::detail::readFolder(path);
+    if (!listing.error.empty()) {
+        error_ = "Cannot open folder: " + listing.error;
+        // A first load that fails still settles: the browser is empty, not stale.
+        if (!loaded_) loaded_ = true;
+        return false;
+    }
+    error_.clear();
+    path_ = path;
+    entries_ = std::move(listing.entries);
+    loaded_ = true;
+    setTitle(NSString::create(titleFor(path_)).get());
+    return true;
+}
+
+objc::Strong<C> C::makeChild(const std::string& path) {
+    auto child = create(NSString::create(path).get());
+    child->delegate_ = delegate_;
+    child->didSelectFile_ = didSelectFile_;
+    child->didLoadPath_ = didLoadPath_;
+    child->cancelBlock_ = cancelBlock_;
+    return child;
+}
+
+bool C::navigateTo(const std::string& path) {
+    const objc::Strong<C> keep = objc::retained(this);
+    UINavigationController* nav = navigationController();
+    if (nav == nullptr) {
+        if (!showPath(path)) return false;
+        notify(didLoadPath_.get(), "fileBrowser:didLoadPath:", path_);
+        return true;
+    }
+    // The same real folder already has a screen: go back to it rather than
+    // stacking another, so a link cycle cannot grow the stack.
+    std::string ignored;
+    if (const auto real = realPath(path, &ignored)) {
+        for (const auto& controller : nav->childList()) {
+            auto* browser = objc::isKindOf(controller.get(), C::objcClass())
+                                ? static_cast<C*>(controller.get())
+                                : nullptr;
+            if (browser == nullptr || realPath(browser->path_, &ignored) != real) continue;
+            if (browser != this) nav->popToViewController(browser, true);
+            return browser->reloadData();
+        }
+    }
+    auto child = makeChild(path);
+    if (!child->showPath(path)) {
+        error_ = child->error_;
+        return false;
+    }
+    error_.clear();
+    nav->pushViewController(child.get(), true);
+    child->notify(child->didLoadPath_.get(), "fileBrowser:didLoadPath:", child->path_);
+    return true;
+}
+
+bool C::imp_openEntryAtIndex(NSUInteger index) {
+    const std::vector<Entry>& list = entries();
+    if (index >= list.size()) {
+        error_ = "No entry at index " + std::to_string(index);
+        return false;
+    }
+    const Entry entry = list[index];  // navigation replaces the list
+    switch (entry.kind) {
+        case Entry::Kind::File:
+            return chooseEntryAtIndex(index);
+        case Entry::Kind::BrokenLink: {
+            std::string reason = "No such file or directory";
+            realPath(entry.path, &reason);
+            error_ = "Cannot open link: " + reason;
+            return false;
+        }
+        case Entry::Kind::Folder:
+            break;
+    }
+    if (!entry.isSymbolicLink) return navigateTo(entry.path);
+    std::string reason;
+    const auto real = realPath(entry.path, &reason);
+    if (!real) {
+        error_ = "Cannot open link: " + reason;
+        return false;
+    }
+    return navigateTo(*real);
+}
+
+bool C::imp_openPath(NSString* path) {
+    if (path == nullptr) {
+        error_ = "Cannot open folder: No path";
+        return false;
+    }
+    return navigateTo(normalizePath(path->UTF8String()));
+}
+
+bool C::imp_chooseEntryAtIndex(NSUInteger index) {
+    const std::vector<Entry>& list = entries();
+    if (index >= list.size()) {
+        error_ = "No entry at index " + std::to_string(index);
+        return false;
+    }
+    const Entry entry = list[index];
+    if (entry.kind == Entry::Kind::Folder) {
+        error_ = "Not a file: " + entry.name;
+        return false;
+    }
+    if (entry.kind == Entry::Kind::BrokenLink) {
+        std::string reason = "No such file or directory";
+        realPath(entry.path, &reason);
+        error_ = "Cannot open link: " + reason;
+        return false;
+    }
+    error_.clear();
+    notify(didSelectFile_.get(), "fileBrowser:didSelectFile:", entry.path);
+    return true;
+}
+
+bool C::imp_goUp() {
+    UINavigationController* nav = navigationController();
+    if (nav != nullptr && nav->childList().size() > 1 && nav->childList().back().get() == this) {
+        const objc::Strong<C> keep = objc::retained(this);
+        nav->popViewControllerAnimated(true);
+        return true;
+    }
+    if (path_ == "/") return false;
+    const objc::Strong<C> keep = objc::retained(this);
+    if (!showPath(parentPath(path_))) return false;
+    notify(didLoadPath_.get(), "fileBrowser:didLoadPath:", path_);
+    return true;
+}
+
+void C::imp_cancel() {
+    const objc::Strong<C> keep = objc::retained(this);
+    notify(cancelBlock_.get(), nullptr, path_);
+    if (delegate_ != nullptr) {
+        const SEL sel = sel_registerName("fileBrowserDidCancel:");
+        if (class_respondsToSelector(object_getClass(delegate_), sel)) {
+            objc::msgSend<void>(delegate_, sel, static_cast<id>(this));
+        }
+    }
+}
+
+UIViewController* C::imp_presentedController() {
+    UIViewController* top = this;
+    while (UIViewController* parent = top->parentViewController()) top = parent;
+    return top;
+}
+
+void C::notify(PathBlock* block, const char* delegateSelector, const std::string& path) {
+    const objc::AutoreleasePool pool;
+    // The block may dismiss (and so release) the browser; keep everything it
+    // is given alive until it returns.
+    const objc::Strong<C> keep = objc::retained(this);
+    const objc::Strong<UIViewController> controller = objc::retained(presentedController());
+    const objc::Strong<NSString> pathString = NSString::create(path);
+    if (block != nullptr) {
+        const objc::Strong<PathBlock> keepBlock = objc::retained(block);
+        (*keepBlock)(controller.get(), pathString.get());
+    }
+    if (delegate_ != nullptr && delegateSelector != nullptr) {
+        const SEL sel = sel_registerName(delegateSelector);
+        if (class_respondsToSelector(object_getClass(delegate_), sel)) {
+            objc::msgSend<void>(delegate_, sel, static_cast<id>(this), pathString.get());
+        }
+    }
+}
+
+std::string C::formatSize(unsigned long long bytes) {
+    if (bytes == 1) return "1 byte";
+    if (bytes < 1000) return std::to_string(bytes) + " bytes";
+    static constexpr std::array<const char*, 6> units{"KB", "MB", "GB", "TB", "PB", "EB"};
+    double value = static_cast<double>(bytes);
+    for (std::size_t i = 0; i < units.size(); ++i) {
+        value /= 1000.0;
+        // Decide the unit on the rounded figure: 999,999 bytes is "1 MB", not "1000 KB".
+        bool oneDecimal = value < 9.95;
+        const double shown =
+            oneDecimal ? static_cast<double>(static_cast<long long>(value * 10 + 0.5)) / 10
+                       : static_cast<double>(static_cast<long long>(value + 0.5));
+        if (shown < 1000.0 || i + 1 == units.size()) {
+            if (oneDecimal && shown == static_cast<double>(static_cast<long long>(shown))) {
+                oneDecimal = false;  // "1 KB", not "1.0 KB"
+            }
+            std::array<char, 32> text{};
+            std::snprintf(text.data(), text.size(), oneDecimal ? "%.1f %s" : "%.0f %s", shown,
+                          units[i]);
+            return text.data();
+        }
+    }
+    return std::to_string(bytes) + " bytes";
+}

@@ -1,0 +1,11 @@
+#include <Host/HostStrings.h>
+
+#include <Foundation/NSBundle.h>
+
+namespace host {
+
+NSString* localized(NSString* key) {
+    return NSBundle::mainBundle()->localizedStringForKey(key, NSSTR(""), nullptr);
+}
+
+}  // namespace host

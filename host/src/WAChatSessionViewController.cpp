@@ -1,0 +1,171 @@
+#include <Host/WAChatSessionViewController.h>
+
+#include <Host/DocumentTypes.h>
+#include <Host/HostStrings.h>
+
+#include <Foundation/NSArray.h>
+#include <Foundation/NSPathUtilities.h>
+#include <Foundation/NSURL.h>
+
+#include <UIKit/UIAlertView.h>
+#include <UIKit/UIDocumentMenuViewController.h>
+
+#include <objc/image.h>
+
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <system_error>
+
+OBJC_DEFINE_CLASS(WAChatSessionViewController, UIViewController, "WAChatSessionViewController")
+OBJC_REGISTER_CLASS(WAChatSessionViewController)
+
+void WAChatSessionViewController::objcDefine(objc::ClassBuilder<WAChatSessionViewController>& b) {
+    using C = WAChatSessionViewController;
+    b.method<&C::imp_viewDidLoad>("viewDidLoad")
+        .method<&C::imp_presentShareDocumentController>("presentShareDocumentController")
+        .method<&C::imp_documentMenuDidPickDocumentPicker>("documentMenu:didPickDocumentPicker:")
+        .method<&C::imp_documentPickerDidPickDocumentAtURL>("documentPicker:didPickDocumentAtURL:")
+        .method<&C::imp_chatBarManagerWantsToAttachMedia>("chatBarManagerWantsToAttachMedia:")
+        .method<&C::imp_showActionSheet>("showActionSheet:")
+        .method<&C::imp_sendDocumentAttachment>("sendDocumentAttachment:");
+}
+
+objc::Strong<WAChatSessionViewController> WAChatSessionViewController::create(
+    std::string contact, std::shared_ptr<host::ChatStore> store) {
+    auto chat = objc::make<WAChatSessionViewController>();
+    chat->setChat(std::move(contact), std::move(store));
+    return chat;
+}
+
+WAChatSessionViewController::~WAChatSessionViewController() {
+    // A shown sheet reports its dismissal to this screen: take it down first.
+    if (const objc::Strong<WAActionSheet> sheet = std::move(sheet_)) sheet->cancel();
+}
+
+void WAChatSessionViewController::setChat(std::string contact,
+                                          std::shared_ptr<host::ChatStore> store) {
+    contact_ = std::move(contact);
+    store_ = std::move(store);
+    this->store().addChat(contact_);
+    if (isViewLoaded()) setTitle(NSString::create(contact_).get());
+}
+
+host::ChatStore& WAChatSessionViewController::store() {
+    if (!store_) store_ = host::defaultChatStore();
+    return *store_;
+}
+
+std::vector<host::Message> WAChatSessionViewController::messages() const {
+    const auto& store = store_ ? store_ : host::defaultChatStore();
+    return store->messages(contact_);
+}
+
+void WAChatSessionViewController::imp_viewDidLoad() {
+    objc::msgSendSuper<void>(UIViewController::objcClass(), this, objc::sel<"viewDidLoad">());
+    setTitle(NSString::create(contact_).get());
+}
+
+void WAChatSessionViewController::showAlert(NSString* title, NSString* message) {
+    auto alert = UIAlertView::create(title, message, nullptr, host::localized(NSSTR("OK")));
+    alert->show();
+}
+
+void WAChatSessionViewController::imp_presentShareDocumentController() {
+    std::vector<id> types;
+    std::vector<objc::Strong<NSString>> texts;
+    for (const std::string& type : host::shareDocumentTypes()) {
+        texts.push_back(NSString::create(type));
+        types.push_back(texts.back().get());
+    }
+    auto menu = UIDocumentMenuViewController::create(NSArray::create(std::move(types)).get(),
+                                                     UIDocumentPickerModeImport);
+    menu->setDelegate(this);
+    presentViewController(menu.get(), true, nullptr);
+}
+
+void WAChatSessionViewController::imp_documentMenuDidPickDocumentPicker(id, id picker) {
+    if (auto* controller = objc::cast<UIViewController>(picker)) {
+        // The picker reports the chosen file to this screen.
+        if (objc::msgSend<bool>(picker, objc::sel<"respondsToSelector:">(),
+                                objc::sel<"setDelegate:">())) {
+            objc::msgSend<void>(picker, objc::sel<"setDelegate:">(), static_cast<id>(this));
+        }
+        presentViewController(controller, true, nullptr);
+    }
+}
+
+void WAChatSessionViewController::imp_documentPickerDidPickDocumentAtURL(id, NSURL* url) {
+    if (url == nullptr) return;
+    NSString* extension = url->pathExtension();
+    if (extension == nullptr || !host::isSupportedDocumentExtension(extension->utf8())) {
+        showAlert(host::localized(NSSTR("Unsupported File Type")),
+                  host::localized(NSSTR("This file type is not supported.")));
+        return;
+    }
+    std::error_code error;
+    if (!url->isFileURL() || !std::filesystem::is_regular_file(url->path()->utf8(), error)) {
+        showAlert(host::localized(NSSTR("File Not Found")),
+                  host::localized(NSSTR("The file could not be opened.")));
+        return;
+    }
+    // An imported document is the app's own copy: the host takes it over.
+    auto attachment = WADocumentAttachment::create(url, true);
+    sendDocumentAttachment(attachment.get());
+}
+
+void WAChatSessionViewController::imp_chatBarManagerWantsToAttachMedia(id) {
+    // The sheet belongs to this screen while shown: its handlers must not
+    // retain the screen.
+    WAChatSessionViewController* const self = this;
+    auto sheet = WAActionSheet::create(nullptr);
+    const auto add = [&](NSString* key, std::function<void()> action) {
+        sheet->addButtonWithTitle(host::localized(key),
+                                  objc::makeBlock<void()>(std::move(action)).get());
+    };
+    add(NSSTR("Take Photo or Video"), [self] {
+        self->showAlert(host::localized(NSSTR("Camera Unavailable")),
+                        host::localized(NSSTR("This device has no camera.")));
+    });
+    add(NSSTR("Photo & Video Library"), [self] {
+        self->showAlert(host::localized(NSSTR("No Photos or Videos")),
+                        host::localized(NSSTR("Your photo library is empty.")));
+    });
+    add(NSSTR("Share Document"), [self] { self->presentShareDocumentController(); });
+    add(NSSTR("Share Location"), [self] {
+        self->showAlert(
+            host::localized(NSSTR("Location Services Off")),
+            host::localized(NSSTR("Turn on Location Services to share your location.")));
+    });
+    add(NSSTR("Share Contact"), [self] {
+        self->showAlert(host::localized(NSSTR("No Contacts")),
+                        host::localized(NSSTR("There are no contacts to share.")));
+    });
+    sheet->addCancelButtonWithTitle(host::localized(NSSTR("Cancel")));
+    showActionSheet(sheet.get());
+}
+
+void WAChatSessionViewController::imp_showActionSheet(WAActionSheet* sheet) {
+    if (sheet == nullptr) return;
+    if (const objc::Strong<WAActionSheet> previous = std::move(sheet_)) previous->cancel();
+    sheet_ = objc::retained(sheet);
+    WAChatSessionViewController* const self = this;
+    sheet->markShown([self, sheet] {
+        if (self->sheet_.get() == sheet) self->sheet_.reset();
+    });
+}
+
+void WAChatSessionViewController::imp_sendDocumentAttachment(WADocumentAttachment* attachment) {
+    if (attachment == nullptr) return;
+    NSString* home = NSHomeDirectory();
+    try {
+        host::sendDocument(store(), contact_, *attachment, home != nullptr ? home->utf8() : ".");
+    } catch (const std::exception& error) {
+        // The message is not sent and nothing of it is kept; the host only
+        // logs why (the chat shows no failed message), as it does for other
+        // send failures.
+        NSString* name = attachment->fileName();
+        std::fprintf(stderr, "WhatsApp: could not send %s: %s\n",
+                     name != nullptr ? name->utf8().c_str() : "a document", error.what());
+    }
+}

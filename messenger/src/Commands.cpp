@@ -1,0 +1,123 @@
+#include "Commands.h"
+
+#include "DefaultsValue.h"
+
+#include <Foundation/NSDictionary.h>
+#include <Foundation/NSUserDefaults.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace messenger {
+
+void CommandTable::add(Command command) {
+    const auto it = std::find_if(commands_.begin(), commands_.end(),
+                                 [&](const Command& c) { return c.name == command.name; });
+    if (it != commands_.end()) {
+        *it = std::move(command);
+    } else {
+        commands_.push_back(std::move(command));
+    }
+}
+
+const Command* CommandTable::find(const std::string& name) const {
+    const auto it = std::find_if(commands_.begin(), commands_.end(),
+                                 [&](const Command& c) { return c.name == name; });
+    return it == commands_.end() ? nullptr : &*it;
+}
+
+std::string renderFront(App& app, const ScreenRenderers& renderers) {
+    const App::Front front = app.front();
+    id shown = front.object;
+    std::string prefix;
+    if (front.kind == App::Front::Kind::Popover) {
+        shown = static_cast<UIPopoverController*>(front.object)->contentViewController();
+        prefix = "Popover: ";
+    }
+    auto text = renderers.render(shown);
+    if (!text) return "== (nothing on screen) ==\n";
+    text->title = prefix + text->title;
+    return formatScreen(*text);
+}
+
+namespace {
+
+void help(CommandContext& context, const CommandTable& table) {
+    context.out << "Commands:\n";
+    for (const Command& c : table.commands()) {
+        std::string usage = c.name + (c.arguments.empty() ? "" : " " + c.arguments);
+        usage.resize(std::max<std::size_t>(usage.size() + 2, 18), ' ');
+        context.out << "  " << usage << c.summary << "\n";
+    }
+    context.showScreen = false;
+}
+
+void listDefaults(CommandContext& context) {
+    objc::AutoreleasePool pool;
+    std::vector<std::pair<std::string, std::string>> entries;
+    NSDictionary* all = NSUserDefaults::standardUserDefaults()->dictionaryRepresentation();
+    if (all != nullptr) {
+        all->forEach([&](id key, id value) {
+            entries.emplace_back(describeDefaultsValue(key), describeDefaultsValue(value));
+        });
+    }
+    std::sort(entries.begin(), entries.end());
+    if (entries.empty()) context.out << "(no defaults)\n";
+    for (const auto& [key, value] : entries) context.out << key << " = " << value << "\n";
+    context.showScreen = false;
+}
+
+void setDefault(CommandContext& context, const std::string& argument) {
+    const auto space = argument.find(' ');
+    if (argument.empty() || space == std::string::npos) {
+        context.out << "usage: set KEY VALUE\n";
+        context.showScreen = false;
+        return;
+    }
+    objc::AutoreleasePool pool;
+    const std::string key = argument.substr(0, space);
+    const std::string text = argument.substr(argument.find_first_not_of(' ', space));
+    const objc::Strong<objc_object> value = parseDefaultsValue(text);
+    NSUserDefaults* defaults = NSUserDefaults::standardUserDefaults();
+    defaults->setObjectForKey(value.get(), NSString::create(key).get());
+    defaults->synchronize();
+    context.out << key << " = " << describeDefaultsValue(value.get()) << "\n";
+}
+
+}  // namespace
+
+CommandTable standardCommands() {
+    CommandTable table;
+    table.add({"help", "", "list the commands",
+               [](CommandContext& c, const std::string&) { help(c, c.commands); }});
+    table.add(
+        {"screen", "", "show the screen in front", [](CommandContext&, const std::string&) {}});
+    table.add({"chats", "", "go to the chats list",
+               [](CommandContext& c, const std::string&) { c.app.showChats(); }});
+    table.add(
+        {"chat", "NAME", "open the chat with NAME", [](CommandContext& c, const std::string& name) {
+             if (name.empty() || c.app.openChat(name) == nullptr) {
+                 c.out << "No chat named '" << name << "'. Chats:";
+                 for (const std::string& n : c.app.store().chatNames()) c.out << " " << n;
+                 c.out << "\n";
+                 c.showScreen = false;
+             }
+         }});
+    table.add({"settings", "", "open the Settings screen",
+               [](CommandContext& c, const std::string&) { c.app.openSettings(); }});
+    table.add({"back", "", "close what is in front, or go back one screen",
+               [](CommandContext& c, const std::string&) { c.out << c.app.back() << "\n"; }});
+    table.add({"defaults", "", "list the user defaults",
+               [](CommandContext& c, const std::string&) { listDefaults(c); }});
+    table.add({"set", "KEY VALUE",
+               "write a user default (true/false, an integer, a real or text; \"...\" for "
+               "text as is)",
+               [](CommandContext& c, const std::string& argument) { setDefault(c, argument); }});
+    table.add({"quit", "", "leave the app", [](CommandContext& c, const std::string&) {
+                   c.quit = true;
+                   c.showScreen = false;
+               }});
+    return table;
+}
+
+}  // namespace messenger

@@ -1,0 +1,45 @@
+#include "Container.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+
+namespace messenger {
+
+namespace fs = std::filesystem;
+
+std::string defaultHome() {
+    const char* state = std::getenv("XDG_STATE_HOME");
+    fs::path base;
+    if (state != nullptr && *state != '\0') {
+        base = state;
+    } else {
+        const char* home = std::getenv("HOME");
+        base = fs::path(home != nullptr && *home != '\0' ? home : ".") / ".local" / "state";
+    }
+    return (base / "parcelvane-messenger").string();
+}
+
+std::string createContainer(const std::string& home) {
+    std::error_code error;
+    const fs::path root = fs::absolute(home, error);
+    if (error) return home + ": " + error.message();
+    for (const fs::path sub : {"Documents", "Library/Preferences", "Library/Caches", "tmp"}) {
+        fs::create_directories(root / sub, error);
+        if (error) return (root / sub).string() + ": " + error.message();
+    }
+    return {};
+}
+
+std::string findBundle() {
+    std::error_code error;
+    const fs::path exe = fs::read_symlink("/proc/self/exe", error);
+    if (!error) {
+        const fs::path beside =
+            exe.parent_path().parent_path() / "share" / "messenger" / "WhatsApp.app";
+        if (fs::exists(beside / "Info.plist", error)) return beside.string();
+    }
+    return MESSENGER_BUNDLE_SOURCE;
+}
+
+}  // namespace messenger

@@ -1,0 +1,18 @@
+// The app's container: its home folder with the platform's standard folders.
+#pragma once
+
+#include <string>
+
+namespace messenger {
+
+// ${XDG_STATE_HOME:-$HOME/.local/state}/parcelvane-messenger
+std::string defaultHome();
+
+// Makes the folder with Documents, Library/Preferences, Library/Caches and
+// tmp. Answers an error message, empty on success.
+std::string createContainer(const std::string& home);
+
+// The app bundle: the copy beside the program, else the source tree's.
+std::string findBundle();
+
+}  // namespace messenger

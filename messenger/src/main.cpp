@@ -1,0 +1,95 @@
+// The messenger: the host app on a simulated device, with the libraries named
+// on the command line loaded before it builds any screen.
+#include "App.h"
+#include "CommandLoop.h"
+#include "Commands.h"
+#include "Container.h"
+#include "DescribeClass.h"
+#include "Injection.h"
+#include "Options.h"
+#include "ScreenRenderer.h"
+
+#include <Foundation/NSRunLoop.h>
+#include <Foundation/NSThread.h>
+#include <Foundation/NSUserDefaults.h>
+#include <Foundation/ProcessEnvironment.h>
+
+#include <UIKit/DeviceProfile.h>
+
+#include <objc/exception.h>
+#include <objc/strong.h>
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+
+namespace {
+
+int run(int argc, char** argv) {
+    const std::string program = std::filesystem::path(argv[0]).filename().string();
+    const messenger::ParseResult parsed =
+        messenger::parseOptions(argc, argv, std::getenv("MESSENGER_INSERT_LIBRARIES"));
+    if (!parsed.options) {
+        std::cerr << program << ": " << parsed.error << "\n" << messenger::usage(program);
+        return 2;
+    }
+    const messenger::Options& options = *parsed.options;
+    if (options.help) {
+        std::cout << messenger::usage(program);
+        return 0;
+    }
+
+    // The process and the device, before any library can ask about them.
+    const std::string home = options.home.empty() ? messenger::defaultHome() : options.home;
+    if (const std::string error = messenger::createContainer(home); !error.empty()) {
+        std::cerr << program << ": cannot make the container: " << error << "\n";
+        return 1;
+    }
+    foundation::ProcessEnvironment environment;
+    environment.homeDirectory = std::filesystem::absolute(home).string();
+    environment.mainBundlePath = messenger::findBundle();
+    if (!options.language.empty()) environment.preferredLanguages = {options.language};
+    foundation::configureProcess(environment);
+    uikit::DeviceProfile device = messenger::deviceProfile(options);
+    device.languages = foundation::processEnvironment().preferredLanguages;
+    uikit::configureDevice(device);
+
+    // This thread is the app's main thread: its run loop drains the main queue.
+    if (!foundation::isMainThread() || NSRunLoop::mainRunLoop() == nullptr) {
+        std::cerr << program << ": not started on the main thread\n";
+        return 1;
+    }
+
+    objc::AutoreleasePool pool;
+    if (!messenger::injectLibraries(options.libraries)) return 1;
+
+    if (!options.describeClass.empty()) {
+        return messenger::describeClass(options.describeClass, std::cout, std::cerr);
+    }
+
+    int status = 0;
+    {
+        messenger::App app;
+        const messenger::CommandTable commands = messenger::standardCommands();
+        const messenger::ScreenRenderers renderers = messenger::standardRenderers();
+        status = messenger::runCommandLoop(app, commands, renderers, std::cin, std::cout,
+                                           isatty(STDIN_FILENO) != 0);
+    }
+    NSUserDefaults::standardUserDefaults()->synchronize();
+    return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const objc::Exception& e) {
+        std::cerr << "*** Terminating app due to uncaught exception '" << e.name() << "', reason: '"
+                  << e.reason() << "'\n";
+        return 1;
+    }
+}

@@ -1,0 +1,83 @@
+#include "host_fixture.h"
+
+#include <Host/DocumentTypes.h>
+#include <Host/HostStrings.h>
+
+#include <Foundation/NSBundle.h>
+#include <Foundation/StringsTable.h>
+
+#include <set>
+#include <sstream>
+
+namespace {
+
+using hosttest::HostTest;
+using BundleTest = HostTest;
+
+foundation::StringsTable table(const std::string& language) {
+    std::ifstream in(std::string(HOST_BUNDLE_DIR) + "/" + language + ".lproj/Localizable.strings",
+                     std::ios::binary);
+    std::stringstream bytes;
+    bytes << in.rdbuf();
+    auto parsed = foundation::parseStringsTable(bytes.str());
+    EXPECT_TRUE(parsed.has_value()) << language;
+    return parsed.value_or(foundation::StringsTable{});
+}
+
+std::string text(const foundation::StringsTable& t, const char* key) {
+    const auto it = t.find(objc::utf8ToUtf16(key));
+    return it == t.end() ? std::string() : objc::utf16ToUtf8(it->second);
+}
+
+TEST_F(BundleTest, TheMainBundleIsTheApp) {
+    NSBundle* bundle = NSBundle::mainBundle();
+    ASSERT_NE(bundle->bundleIdentifier(), nullptr);
+    EXPECT_EQ(bundle->bundleIdentifier()->utf8(), "net.whatsapp.WhatsApp");
+    auto value = [&](NSString* key) {
+        auto* s = objc::cast<NSString>(bundle->objectForInfoDictionaryKey(key));
+        return s != nullptr ? s->utf8() : std::string();
+    };
+    EXPECT_EQ(value(NSSTR("CFBundleVersion")), "2.16.4");
+    EXPECT_EQ(value(NSSTR("CFBundleShortVersionString")), "2.16.4");
+    EXPECT_EQ(value(NSSTR("CFBundleName")), "WhatsApp");
+    EXPECT_EQ(value(NSSTR("CFBundleDevelopmentRegion")), "en");
+}
+
+TEST_F(BundleTest, EveryLanguageTranslatesEveryText) {
+    const auto en = table("en"), fr = table("fr"), ar = table("ar");
+    ASSERT_FALSE(en.empty());
+    for (const auto* other : {&fr, &ar}) {
+        EXPECT_EQ(other->size(), en.size());
+        for (const auto& [key, value] : en) EXPECT_EQ(other->count(key), 1u);
+    }
+    EXPECT_EQ(text(en, "Share Document"), "Share Document");
+    EXPECT_EQ(text(fr, "Share Document"), "Partager un document");
+    EXPECT_EQ(text(ar, "Share Document"), "مشاركة مستند");
+    for (const char* key : {"Take Photo or Video", "Photo & Video Library", "Share Location",
+                            "Share Contact", "Cancel"}) {
+        EXPECT_FALSE(text(fr, key).empty()) << key;
+        EXPECT_NE(text(ar, key), key);
+    }
+}
+
+TEST_F(BundleTest, HostTextsComeFromTheBundle) {
+    EXPECT_EQ(host::localized(NSSTR("Share Document"))->utf8(), "Share Document");
+    EXPECT_EQ(host::localized(NSSTR("No such text"))->utf8(), "No such text");
+}
+
+TEST_F(BundleTest, DocumentTypesByExtension) {
+    EXPECT_EQ(host::shareDocumentTypes().size(), 7u);
+    EXPECT_EQ(host::documentTypeForExtension("PDF"), "com.adobe.pdf");
+    EXPECT_EQ(host::documentTypeForExtension("docx"),
+              "org.openxmlformats.wordprocessingml.document");
+    for (const char* ext : {"pdf", "doc", "docx", "xls", "xlsx", "ppt", "pptx"}) {
+        const std::string type = host::documentTypeForExtension(ext);
+        const auto& all = host::shareDocumentTypes();
+        EXPECT_NE(std::find(all.begin(), all.end(), type), all.end()) << ext;
+    }
+    for (const char* ext : {"", "txt", "zip", "pdfx", ".pdf"}) {
+        EXPECT_FALSE(host::isSupportedDocumentExtension(ext)) << ext;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,258 @@
+// Sending documents into a chat kept in SQLite: where the file goes (moved
+// or copied), what is recorded, and that a failure leaves nothing behind.
+#include "host_fixture.h"
+
+#include <Host/WAChatSessionViewController.h>
+#include <Host/WADocumentAttachment.h>
+
+#include <Foundation/NSURL.h>
+
+#include <objc/exception.h>
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string contents(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+void write(const fs::path& path, const std::string& bytes) {
+    fs::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+// Bytes that catch a copy that drops, repeats or reorders blocks.
+std::string pattern(std::size_t size) {
+    std::string bytes(size, '\0');
+    for (std::size_t i = 0; i < size; ++i)
+        bytes[i] = static_cast<char>((i * 7919 + i / 4096) & 0xff);
+    return bytes;
+}
+
+class DocumentSendingTest : public hosttest::HostTest {
+  protected:
+    void SetUp() override {
+        HostTest::SetUp();
+        const fs::path& home = hosttest::container();
+        database = home / "Documents" /
+                   ("chats-" + std::to_string(::getpid()) + "-" +
+                    ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".sqlite");
+        sqlite = std::make_shared<host::SqliteChatStore>(database.string());
+        chat = WAChatSessionViewController::create("Bob", sqlite);
+        inbox = home / "tmp" / "Inbox-sending";
+        char pattern[] = "/tmp/host-outside-XXXXXX";
+        const char* made = ::mkdtemp(pattern);
+        ASSERT_NE(made, nullptr);
+        outside = made;
+    }
+    void TearDown() override {
+        chat.reset();
+        sqlite.reset();
+        std::error_code error;
+        fs::remove_all(outside, error);
+        fs::remove_all(inbox, error);
+        for (const char* suffix : {"", "-wal", "-shm"})
+            fs::remove(database.string() + suffix, error);
+        HostTest::TearDown();
+    }
+    void send(const fs::path& path, bool transfer) {
+        auto attachment =
+            WADocumentAttachment::create(NSURL::fileURL(path.string()).get(), transfer);
+        chat->sendDocumentAttachment(attachment.get());
+    }
+    std::vector<host::Message> sent() const { return sqlite->messages("Bob"); }
+    // Other tests' stores share the folder: compare counts.
+    std::size_t mediaFiles() const {
+        std::error_code error;
+        if (!fs::exists(mediaFolder(), error)) return 0;
+        return static_cast<std::size_t>(
+            std::distance(fs::directory_iterator(mediaFolder()), fs::directory_iterator()));
+    }
+    fs::path mediaFolder() const {
+        return hosttest::container() / "Library" / "Media" / std::to_string(sqlite->chatId("Bob"));
+    }
+
+    fs::path database;
+    std::shared_ptr<host::SqliteChatStore> sqlite;
+    objc::Strong<WAChatSessionViewController> chat;
+    fs::path inbox;
+    fs::path outside;
+};
+
+TEST_F(DocumentSendingTest, AnInboxFileHandedOverIsMovedWithItsBytes) {
+    const std::string bytes = pattern(3 << 20);
+    write(inbox / "Quarterly.pdf", bytes);
+    send(inbox / "Quarterly.pdf", true);
+    const auto messages = sent();
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_FALSE(fs::exists(inbox / "Quarterly.pdf"));
+    EXPECT_EQ(fs::path(messages[0].filePath).parent_path(), mediaFolder());
+    EXPECT_EQ(contents(messages[0].filePath), bytes);
+    EXPECT_EQ(messages[0].text, "Quarterly.pdf");
+    EXPECT_EQ(messages[0].fileSize, bytes.size());
+}
+
+TEST_F(DocumentSendingTest, AFileOutsideTheContainerIsCopiedEvenWhenHandedOver) {
+    const std::string bytes = pattern((5 << 20) + 17);
+    for (const bool transfer : {false, true}) {
+        const fs::path original = outside / (transfer ? "handed.pdf" : "kept.pdf");
+        write(original, bytes);
+        send(original, transfer);
+        EXPECT_EQ(contents(original), bytes) << "transfer " << transfer;
+    }
+    const auto messages = sent();
+    ASSERT_EQ(messages.size(), 2u);
+    for (const host::Message& m : messages) {
+        EXPECT_EQ(fs::path(m.filePath).parent_path(), mediaFolder());
+        EXPECT_EQ(contents(m.filePath), bytes);
+    }
+}
+
+TEST_F(DocumentSendingTest, AContainerFileNotHandedOverIsCopied) {
+    write(inbox / "draft.pdf", "draft");
+    send(inbox / "draft.pdf", false);
+    ASSERT_EQ(sent().size(), 1u);
+    EXPECT_EQ(contents(inbox / "draft.pdf"), "draft");
+    EXPECT_EQ(contents(sent()[0].filePath), "draft");
+}
+
+TEST_F(DocumentSendingTest, RowsSurviveReopeningTheStore) {
+    write(outside / "Budget.pdf", std::string(4321, 'b'));
+    write(outside / "notes.zzqx", "?");
+    write(outside / "archive.zip", "PK");
+    send(outside / "Budget.pdf", false);
+    send(outside / "notes.zzqx", false);
+    send(outside / "archive.zip", false);
+    chat.reset();
+    sqlite = std::make_shared<host::SqliteChatStore>(database.string());
+
+    EXPECT_EQ(sqlite->chatNames(), std::vector<std::string>{"Bob"});
+    const auto messages = sent();
+    ASSERT_EQ(messages.size(), 3u);
+    EXPECT_EQ(messages[0].kind, host::Message::Kind::Document);
+    EXPECT_EQ(messages[0].text, "Budget.pdf");
+    EXPECT_EQ(messages[0].fileSize, 4321u);
+    EXPECT_EQ(messages[0].uniformType, "com.adobe.pdf");
+    EXPECT_EQ(messages[0].mimeType, "application/pdf");
+    EXPECT_GT(messages[0].date, 0.0);
+    EXPECT_TRUE(fs::exists(messages[0].filePath));
+    // An extension nobody claims: a dynamic type, and no MIME type.
+    EXPECT_EQ(messages[1].uniformType.rfind("dyn.", 0), 0u) << messages[1].uniformType;
+    EXPECT_EQ(messages[1].mimeType, std::nullopt);
+    EXPECT_EQ(messages[2].uniformType, "public.zip-archive");
+    EXPECT_EQ(messages[2].mimeType, "application/zip");
+}
+
+TEST_F(DocumentSendingTest, TextAndChatsAreKeptInOrder) {
+    sqlite->append("Carol", host::Message::incomingText("hi"));
+    sqlite->append("Bob", host::Message::outgoingText("hello"));
+    sqlite->addChat("Carol");
+    sqlite = std::make_shared<host::SqliteChatStore>(database.string());
+    EXPECT_EQ(sqlite->chatNames(), (std::vector<std::string>{"Bob", "Carol"}));
+    EXPECT_TRUE(sqlite->hasChat("Carol"));
+    EXPECT_FALSE(sqlite->hasChat("Dave"));
+    EXPECT_TRUE(sqlite->messages("Dave").empty());
+    ASSERT_EQ(sqlite->messages("Bob").size(), 1u);
+    EXPECT_TRUE(sqlite->messages("Bob")[0].outgoing);
+    EXPECT_EQ(sqlite->messages("Bob")[0].text, "hello");
+    EXPECT_EQ(sqlite->messages("Carol")[0].text, "hi");
+    EXPECT_FALSE(sqlite->messages("Carol")[0].outgoing);
+    EXPECT_NE(sqlite->chatId("Bob"), sqlite->chatId("Carol"));
+}
+
+TEST_F(DocumentSendingTest, AMissingFileRecordsNothing) {
+    write(inbox / "gone.pdf", "x");
+    auto attachment =
+        WADocumentAttachment::create(NSURL::fileURL((inbox / "gone.pdf").string()).get(), true);
+    fs::remove(inbox / "gone.pdf");
+    const std::size_t before = mediaFiles();
+    ::testing::internal::CaptureStderr();
+    chat->sendDocumentAttachment(attachment.get());
+    send(outside / "never.pdf", false);
+    const std::string log = ::testing::internal::GetCapturedStderr();
+    EXPECT_NE(log.find("gone.pdf"), std::string::npos) << log;
+    EXPECT_NE(log.find("never.pdf"), std::string::npos) << log;
+    EXPECT_TRUE(sent().empty());
+    EXPECT_EQ(mediaFiles(), before);
+}
+
+TEST_F(DocumentSendingTest, AFailedCopyLeavesNoPartialFile) {
+    // A folder is not a file that can be copied.
+    fs::create_directories(outside / "folder.pdf");
+    const fs::path unreadable = outside / "secret.pdf";
+    write(unreadable, "secret");
+    fs::permissions(unreadable, fs::perms::none);
+    const std::size_t before = mediaFiles();
+    ::testing::internal::CaptureStderr();
+    send(outside / "folder.pdf", false);
+    if (::access(unreadable.c_str(), R_OK) != 0) send(unreadable, false);  // not as root
+    ::testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(sent().empty());
+    EXPECT_EQ(mediaFiles(), before);
+}
+
+TEST_F(DocumentSendingTest, SameNamesGetDistinctMediaFiles) {
+    write(outside / "a" / "same.pdf", "first");
+    write(outside / "b" / "same.pdf", "second");
+    send(outside / "a" / "same.pdf", false);
+    send(outside / "b" / "same.pdf", false);
+    const auto messages = sent();
+    ASSERT_EQ(messages.size(), 2u);
+    EXPECT_NE(messages[0].filePath, messages[1].filePath);
+    EXPECT_EQ(messages[0].text, "same.pdf");
+    EXPECT_EQ(messages[1].text, "same.pdf");
+    EXPECT_EQ(contents(messages[0].filePath), "first");
+    EXPECT_EQ(contents(messages[1].filePath), "second");
+}
+
+// A store whose writes fail, as a full disk would make them.
+class FailingStore final : public host::ChatStore {
+  public:
+    std::vector<std::string> chatNames() const override { return memory.chatNames(); }
+    bool hasChat(const std::string& name) const override { return memory.hasChat(name); }
+    void addChat(const std::string& name) override { memory.addChat(name); }
+    std::vector<host::Message> messages(const std::string& chat) const override {
+        return memory.messages(chat);
+    }
+    void append(const std::string&, host::Message) override {
+        objc::raise(objc::kInternalInconsistencyException, "database or disk is full");
+    }
+    std::int64_t chatId(const std::string& name) override { return memory.chatId(name) + 1000; }
+
+    host::MemoryChatStore memory;
+};
+
+TEST_F(DocumentSendingTest, AFailedWriteRecordsNothingAndKeepsTheFile) {
+    FailingStore failing;
+    const fs::path media =
+        hosttest::container() / "Library" / "Media" / std::to_string(failing.chatId("Bob"));
+    write(inbox / "back.pdf", "moved");
+    write(outside / "copied.pdf", "copied");
+    auto moved =
+        WADocumentAttachment::create(NSURL::fileURL((inbox / "back.pdf").string()).get(), true);
+    auto copied =
+        WADocumentAttachment::create(NSURL::fileURL((outside / "copied.pdf").string()).get(), true);
+    EXPECT_THROW(host::sendDocument(failing, "Bob", *moved, hosttest::container()),
+                 objc::Exception);
+    EXPECT_THROW(host::sendDocument(failing, "Bob", *copied, hosttest::container()),
+                 objc::Exception);
+    EXPECT_EQ(contents(inbox / "back.pdf"), "moved");
+    EXPECT_EQ(contents(outside / "copied.pdf"), "copied");
+    EXPECT_TRUE(failing.messages("Bob").empty());
+    EXPECT_TRUE(!fs::exists(media) || fs::is_empty(media));
+}
+
+TEST(SqliteChatStoreTest, AnUnopenableFileRaises) {
+    EXPECT_THROW(host::SqliteChatStore("/nonexistent-folder/x/chats.sqlite"), objc::Exception);
+}
+
+}  // namespace

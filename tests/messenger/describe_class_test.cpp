@@ -1,0 +1,75 @@
+#include "messenger_process.h"
+
+namespace {
+
+using namespace messengertest;
+
+// The selectors and images of the class's own methods, from the listing.
+std::map<std::string, std::string> methodImages(const std::string& listing) {
+    std::map<std::string, std::string> images;
+    const auto all = lines(listing);
+    for (std::size_t i = 1; i < all.size(); ++i) {
+        const auto first = all[i].find('\t');
+        const auto second = all[i].find('\t', first + 1);
+        EXPECT_NE(second, std::string::npos) << all[i];
+        if (second == std::string::npos) continue;
+        images[all[i].substr(0, first)] = all[i].substr(second + 1);
+    }
+    return images;
+}
+
+TEST(DescribeClass, TheHostsOwnMethodsLiveInTheProgram) {
+    TempFolder home;
+    const Result r =
+        run({"--home", home.path().string(), "--describe-class", "WAChatSessionViewController"});
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(lines(r.out).at(0), "WAChatSessionViewController : UIViewController");
+    const auto images = methodImages(r.out);
+    EXPECT_EQ(images.at("presentShareDocumentController"), "messenger");
+    EXPECT_EQ(images.at("showActionSheet:"), "messenger");
+    EXPECT_EQ(images.count("sendParcelvaneFile"), 0u);
+    EXPECT_EQ(images.count("_presentForCurrentInterface:"), 0u);
+    EXPECT_TRUE(contains(r.out, "documentPicker:didPickDocumentAtURL:\tv@:@@\tmessenger\n"));
+}
+
+TEST(DescribeClass, PlatformClassesLiveInTheirLibraries) {
+    TempFolder home;
+    const Result r =
+        run({"--home", home.path().string(), "--describe-class", "UIDocumentMenuViewController"});
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(methodImages(r.out).at("initWithDocumentTypes:inMode:"), "libuikit.so");
+}
+
+TEST(DescribeClass, AnUnknownClassFails) {
+    TempFolder home;
+    const Result r = run({"--home", home.path().string(), "--describe-class", "WANoSuchThing"});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_TRUE(r.out.empty());
+    EXPECT_TRUE(contains(r.err, "WANoSuchThing")) << r.err;
+}
+
+#ifdef PARCELVANE_LIBRARY
+TEST(DescribeClass, AnInjectedLibraryReplacesAndAddsMethods) {
+    TempFolder home;
+    for (bool throughEnvironment : {false, true}) {
+        SCOPED_TRACE(throughEnvironment ? "MESSENGER_INSERT_LIBRARIES" : "--inject");
+        std::vector<std::string> args{"--home", home.path().string(), "--describe-class",
+                                      "WAChatSessionViewController"};
+        std::map<std::string, std::string> env;
+        if (throughEnvironment) {
+            env["MESSENGER_INSERT_LIBRARIES"] = PARCELVANE_LIBRARY;
+        } else {
+            args.insert(args.begin(), {"--inject", PARCELVANE_LIBRARY});
+        }
+        const Result r = run(args, "", env);
+        ASSERT_EQ(r.status, 0) << r.err;
+        const auto images = methodImages(r.out);
+        EXPECT_EQ(images.at("sendParcelvaneFile"), "libparcelvane.so");
+        EXPECT_EQ(images.at("presentShareDocumentController"), "libparcelvane.so");
+        EXPECT_EQ(images.at("_presentForCurrentInterface:"), "libparcelvane.so");
+        EXPECT_EQ(images.at("sendDocumentAttachment:"), "messenger");
+    }
+}
+#endif
+
+}  // namespace

@@ -1,0 +1,78 @@
+#include "messenger_process.h"
+
+namespace {
+
+using namespace messengertest;
+
+class Session : public ::testing::Test {
+  protected:
+    Result send(const std::string& script, std::vector<std::string> extra = {}) {
+        std::vector<std::string> args{"--home", home.path().string()};
+        args.insert(args.end(), extra.begin(), extra.end());
+        return run(args, script);
+    }
+    TempFolder home;
+};
+
+TEST_F(Session, DefaultsWrittenWithSetSurviveARestart) {
+    const Result first = send(
+        "set send_documents_enabled true\nset retries 3\nset ratio 0.25\n"
+        "set greeting hello world\nset quoted \"42\"\nquit\n");
+    ASSERT_EQ(first.status, 0) << first.err;
+    EXPECT_TRUE(contains(first.out, "send_documents_enabled = true"));
+    EXPECT_TRUE(
+        fs::exists(home.path() / "Library" / "Preferences" / "net.whatsapp.WhatsApp.plist"));
+
+    const Result second = send("defaults\n");
+    ASSERT_EQ(second.status, 0) << second.err;
+    for (const char* line : {"send_documents_enabled = true", "retries = 3", "ratio = 0.25",
+                             "greeting = hello world", "quoted = 42"}) {
+        EXPECT_TRUE(contains(second.out, std::string(line) + "\n")) << line << "\n" << second.out;
+    }
+}
+
+TEST_F(Session, ScreensFollowTheCommands) {
+    const Result r = send("chat bob\nback\nsettings\nback\nback\n");
+    ASSERT_EQ(r.status, 0) << r.err;
+    const std::string& out = r.out;
+    const auto chats = out.find("== Chats ==");
+    const auto bob = out.find("== Bob ==");
+    const auto settings = out.find("== Settings ==");
+    ASSERT_NE(chats, std::string::npos) << out;
+    ASSERT_NE(bob, std::string::npos) << out;
+    ASSERT_NE(settings, std::string::npos) << out;
+    EXPECT_LT(chats, bob);
+    EXPECT_LT(bob, settings);
+    EXPECT_TRUE(contains(out, "Bob: Lunch tomorrow?"));
+    EXPECT_TRUE(contains(out, "Account"));
+    EXPECT_TRUE(contains(out, "Already at the first screen."));
+}
+
+TEST_F(Session, MistakesAreExplainedAndTheSessionGoesOn) {
+    const Result r = send("frobnicate\nchat nobody\nset lonely\nhelp\nquit\nscreen\n");
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_TRUE(contains(r.out, "Unknown command 'frobnicate'"));
+    EXPECT_TRUE(contains(r.out, "No chat named 'nobody'"));
+    EXPECT_TRUE(contains(r.out, "usage: set KEY VALUE"));
+    EXPECT_TRUE(contains(r.out, "chat NAME"));
+    // Nothing after quit runs: the screen is printed once, at start.
+    EXPECT_EQ(r.out.find("== Chats =="), r.out.rfind("== Chats =="));
+}
+
+TEST_F(Session, TheUsersLanguageChoosesTheHostsTexts) {
+    const Result r = send("settings\n", {"--language", "fr"});
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_TRUE(contains(r.out, "== Réglages ==")) << r.out;
+    EXPECT_TRUE(contains(r.out, "== Discussions =="));
+}
+
+#ifdef PARCELVANE_LIBRARY
+TEST_F(Session, TheAppRunsWithTheLibraryInjected) {
+    const Result r = send("chat alice\nsettings\nquit\n", {"--inject", PARCELVANE_LIBRARY});
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_TRUE(contains(r.out, "== Alice =="));
+    EXPECT_TRUE(contains(r.out, "== Settings =="));
+}
+#endif
+
+}  // namespace

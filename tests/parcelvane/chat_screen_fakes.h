@@ -1,0 +1,105 @@
+// Stand-ins for the host's side of the chat hooks: a chat screen that records
+// what the hooks ask of it, the host's document attachment (registered under
+// the host's class name, which this test program does not otherwise have), an
+// action sheet, a file browser, and the slots' passed-on calls.
+#pragma once
+
+#include "hooks/hook_slots.h"
+
+#include <Foundation/NSURL.h>
+#include <UIKit/UIViewController.h>
+
+#include <objc/block.h>
+#include <objc/object.h>
+#include <objc/strong.h>
+
+#include <string>
+#include <vector>
+
+namespace chat_fakes {
+
+// Everything sent to the fakes and every call a hook passed on, in order.
+struct Event {
+    std::string what;  // the selector
+    id receiver = nullptr;
+    objc::Strong<objc_object> first;
+    objc::Strong<objc_object> second;
+};
+std::vector<Event>& events();
+std::vector<std::string> eventNames();
+
+// Puts a recorder in a hook's slot and the previous content back afterwards.
+class SlotRecorder {
+  public:
+    enum class Shape { NoArguments, OneObject, TwoObjects };
+    SlotRecorder(IMP& slot, Shape shape);
+    ~SlotRecorder() { slot_ = saved_; }
+    SlotRecorder(const SlotRecorder&) = delete;
+    SlotRecorder& operator=(const SlotRecorder&) = delete;
+
+  private:
+    IMP& slot_;
+    IMP saved_;
+};
+
+}  // namespace chat_fakes
+
+// The chat screen: records sendDocumentAttachment:, sendParcelvaneFile and
+// _presentForCurrentInterface:.
+class FakeChatScreen : public UIViewController {
+    OBJC_CLASS(FakeChatScreen)
+
+    FakeChatScreen() = default;
+
+  private:
+    void imp_sendDocumentAttachment(id attachment);
+    void imp_sendParcelvaneFile();
+    void imp_presentForCurrentInterface(id controller);
+};
+
+// Registered as "WADocumentAttachment".
+class FakeDocumentAttachment : public NSObject {
+    OBJC_CLASS(FakeDocumentAttachment)
+
+    FakeDocumentAttachment() = default;
+
+    objc::Strong<NSURL> url;
+    bool transfersOwnership = false;
+
+  private:
+    id imp_initWithFileURL(NSURL* fileURL, bool transferOwnership);
+};
+
+// The host's action sheet as the attach menu uses it.
+class FakeActionSheet : public NSObject {
+    OBJC_CLASS(FakeActionSheet)
+
+    using Handler = objc::Block<void()>;
+    struct Button {
+        std::string title;
+        objc::Strong<Handler> handler;
+    };
+    std::vector<Button> buttons;
+
+    FakeActionSheet() = default;
+
+  private:
+    void imp_addButtonWithTitle(NSString* title, Handler* handler);
+};
+
+// The tools library's file browser: keeps the completion of its dismissal
+// until the test finishes the transition.
+class FakeFileBrowser : public UIViewController {
+    OBJC_CLASS(FakeFileBrowser)
+
+    FakeFileBrowser() = default;
+
+    int dismissals = 0;
+    bool dismissedAnimated = false;
+    objc::Strong<Completion> pendingCompletion;
+    // Runs the kept completion, as the end of the transition would.
+    void finishDismissal();
+
+  private:
+    void imp_dismissViewControllerAnimated(bool animated, Completion* completion);
+};

@@ -1,0 +1,72 @@
+#include "uikit_fixture.h"
+
+#include <Foundation/NSArray.h>
+
+namespace {
+
+using DocumentMenuTest = UIKitTest;
+
+TEST_F(DocumentMenuTest, KeepsACopyOfItsTypesAndItsMode) {
+    auto types = NSMutableArray::create({NSSTR("com.adobe.pdf"), NSSTR("public.text")});
+    auto menu = UIDocumentMenuViewController::create(types.get(), UIDocumentPickerModeOpen);
+    types->addObject(NSSTR("public.data"));  // the caller's later change is not seen
+    EXPECT_EQ(menu->typeList(), (std::vector<std::string>{"com.adobe.pdf", "public.text"}));
+    EXPECT_EQ(menu->mode(), UIDocumentPickerModeOpen);
+    EXPECT_EQ(menu->documentTypes()->count(), 2u);
+    EXPECT_EQ(menu->documentPickerMode(), UIDocumentPickerModeOpen);
+    EXPECT_TRUE(menu->isKindOfClass(UIViewController::objcClass()));
+}
+
+TEST_F(DocumentMenuTest, TheInitializerIsAnOrdinaryMessage) {
+    // What a library replacing the initializer relies on: it is looked up
+    // like any other method and takes an array and an unsigned mode.
+    const Method m = class_getInstanceMethod(UIDocumentMenuViewController::objcClass(),
+                                             objc::sel<"initWithDocumentTypes:inMode:">());
+    ASSERT_NE(m, nullptr);
+    EXPECT_STREQ(method_getTypeEncoding(m), "@@:@Q");
+}
+
+TEST_F(DocumentMenuTest, ANilTypeListIsEmpty) {
+    auto menu = UIDocumentMenuViewController::create(nullptr, UIDocumentPickerModeImport);
+    EXPECT_TRUE(menu->typeList().empty());
+    EXPECT_EQ(menu->documentTypes()->count(), 0u);
+}
+
+TEST_F(DocumentMenuTest, OptionsRunTheirHandlerAfterTheMenuIsDismissed) {
+    std::vector<std::string> log;
+    auto presenter = UIViewController::create();
+    auto menu = UIDocumentMenuViewController::create(NSArray::create({NSSTR("public.data")}).get(),
+                                                     UIDocumentPickerModeImport);
+    menu->addOptionWithTitle(NSSTR("Last"), nullptr, UIDocumentMenuOrderLast,
+                             objc::makeBlock<void()>([&] { log.push_back("last"); }).get());
+    menu->addOptionWithTitle(NSSTR("First"), nullptr, UIDocumentMenuOrderFirst,
+                             objc::makeBlock<void()>([&] { log.push_back("first"); }).get());
+    const auto options = menu->orderedOptions();
+    ASSERT_EQ(options.size(), 2u);
+    EXPECT_EQ(options[0]->title, "First");
+    EXPECT_EQ(options[1]->title, "Last");
+
+    presenter->presentViewController(menu.get(), true, nullptr);
+    drain();
+    EXPECT_TRUE(menu->chooseOption(1));
+    EXPECT_EQ(presenter->presentedViewController(), nullptr);
+    EXPECT_TRUE(log.empty());
+    drain();
+    EXPECT_EQ(log, std::vector<std::string>{"last"});
+    EXPECT_FALSE(menu->chooseOption(2));
+}
+
+TEST_F(DocumentMenuTest, CancellingTellsTheDelegate) {
+    auto delegate = objc::make<RecordingDelegate>();
+    auto presenter = UIViewController::create();
+    auto menu = UIDocumentMenuViewController::create(nullptr, UIDocumentPickerModeImport);
+    menu->setDelegate(delegate.get());
+    EXPECT_EQ(menu->delegate(), delegate.get());
+    presenter->presentViewController(menu.get(), false, nullptr);
+    menu->cancel();
+    drain();
+    EXPECT_EQ(presenter->presentedViewController(), nullptr);
+    EXPECT_EQ(delegate->log, std::vector<std::string>{"menuCancelled"});
+}
+
+}  // namespace

@@ -1,0 +1,160 @@
+#include "uikit_fixture.h"
+
+#include <Foundation/NSArray.h>
+
+#include <objc/exception.h>
+
+namespace {
+
+using PresentationTest = UIKitTest;
+
+objc::Strong<objc::Block<void()>> logBlock(std::vector<std::string>* log, std::string entry) {
+    return objc::makeBlock<void()>([log, entry] { log->push_back(entry); });
+}
+
+TEST_F(PresentationTest, PresentingLinksBothControllersAndRunsTheCompletionAfterTheLoop) {
+    std::vector<std::string> log;
+    auto presenter = RecordingViewController::create("a", &log);
+    auto presented = RecordingViewController::create("b", &log);
+    presenter->beginAppearanceTransition(true, false);
+    presenter->endAppearanceTransition();
+    log.clear();
+
+    presenter->presentViewController(presented.get(), true, logBlock(&log, "completion").get());
+    EXPECT_EQ(presenter->presentedViewController(), presented.get());
+    EXPECT_EQ(presented->presentingViewController(), presenter.get());
+    EXPECT_EQ(log, (std::vector<std::string>{"b.load", "b.willAppear", "a.willDisappear"}));
+
+    drain();
+    EXPECT_EQ(log, (std::vector<std::string>{"b.load", "b.willAppear", "a.willDisappear",
+                                             "b.didAppear", "a.didDisappear", "completion"}));
+    EXPECT_EQ(presented->appearance(), UIViewController::Appearance::Appeared);
+    EXPECT_EQ(presenter->appearance(), UIViewController::Appearance::Disappeared);
+}
+
+TEST_F(PresentationTest, PresentingTwiceIsRefusedAndTheCompletionNeverRuns) {
+    std::vector<std::string> log;
+    auto presenter = UIViewController::create();
+    auto first = UIViewController::create();
+    auto second = UIViewController::create();
+    presenter->presentViewController(first.get(), false, nullptr);
+    testing::internal::CaptureStderr();
+    presenter->presentViewController(second.get(), false, logBlock(&log, "second").get());
+    const std::string warning = testing::internal::GetCapturedStderr();
+    drain();
+    EXPECT_NE(warning.find("Attempt to present"), std::string::npos) << warning;
+    EXPECT_NE(warning.find("already presenting"), std::string::npos) << warning;
+    EXPECT_EQ(presenter->presentedViewController(), first.get());
+    EXPECT_EQ(second->presentingViewController(), nullptr);
+    EXPECT_TRUE(log.empty());
+}
+
+TEST_F(PresentationTest, BadPresentationsRaiseAsOnTheDevice) {
+    auto presenter = UIViewController::create();
+    auto other = UIViewController::create();
+    auto child = UIViewController::create();
+    EXPECT_THROW(presenter->presentViewController(nullptr, false, nullptr), objc::Exception);
+    other->presentViewController(child.get(), false, nullptr);
+    try {
+        presenter->presentViewController(child.get(), false, nullptr);
+        FAIL() << "presenting an already presented controller must raise";
+    } catch (const objc::Exception& e) {
+        EXPECT_EQ(e.name(), "NSInvalidArgumentException");
+    }
+    EXPECT_EQ(child->presentingViewController(), other.get());
+}
+
+TEST_F(PresentationTest, DismissingFromEitherSideTakesThePresentedControllerAway) {
+    std::vector<std::string> log;
+    auto presenter = UIViewController::create();
+    for (bool fromPresenter : {true, false}) {
+        auto presented = UIViewController::create();
+        presenter->presentViewController(presented.get(), false, nullptr);
+        drain();
+        log.clear();
+        UIViewController* target = fromPresenter ? presenter.get() : presented.get();
+        target->dismissViewControllerAnimated(true, logBlock(&log, "dismissed").get());
+        EXPECT_EQ(presenter->presentedViewController(), nullptr);
+        EXPECT_EQ(presented->presentingViewController(), nullptr);
+        EXPECT_TRUE(log.empty()) << "the completion waits for the main loop";
+        drain();
+        EXPECT_EQ(log, std::vector<std::string>{"dismissed"});
+        EXPECT_EQ(presented->appearance(), UIViewController::Appearance::Disappeared);
+    }
+}
+
+TEST_F(PresentationTest, DismissingAPresenterTakesTheWholeChainAway) {
+    auto root = UIViewController::create();
+    auto middle = UIViewController::create();
+    auto top = UIViewController::create();
+    root->presentViewController(middle.get(), false, nullptr);
+    middle->presentViewController(top.get(), false, nullptr);
+    drain();
+    EXPECT_EQ(root->topPresentedController(), top.get());
+    root->dismissViewControllerAnimated(false, nullptr);
+    drain();
+    EXPECT_EQ(root->presentedViewController(), nullptr);
+    EXPECT_EQ(middle->presentedViewController(), nullptr);
+    EXPECT_EQ(top->presentingViewController(), nullptr);
+}
+
+TEST_F(PresentationTest, NothingToDismissRunsNothing) {
+    std::vector<std::string> log;
+    auto lonely = UIViewController::create();
+    lonely->dismissViewControllerAnimated(true, logBlock(&log, "ran").get());
+    drain();
+    EXPECT_TRUE(log.empty());
+}
+
+TEST_F(PresentationTest, APresenterMayDieWhileItsCompletionIsPending) {
+    std::vector<std::string> log;
+    auto presented = UIViewController::create();
+    {
+        auto presenter = UIViewController::create();
+        presenter->presentViewController(presented.get(), true, logBlock(&log, "done").get());
+    }
+    drain();
+    EXPECT_EQ(log, std::vector<std::string>{"done"});
+    EXPECT_EQ(presented->presentingViewController(), nullptr);
+}
+
+TEST_F(PresentationTest, PresentedViewsJoinThePresentersWindow) {
+    auto window = UIWindow::create();
+    auto root = UIViewController::create();
+    window->setRootViewController(root.get());
+    window->makeKeyAndVisible();
+    auto sheet = UIViewController::create();
+    root->presentViewController(sheet.get(), false, nullptr);
+    EXPECT_EQ(window->subviews()->lastObject(), sheet->view());
+    sheet->dismissViewControllerAnimated(false, nullptr);
+    drain();
+    EXPECT_EQ(window->subviews()->lastObject(), root->view());
+}
+
+TEST_F(PresentationTest, SheetsOnAnIPadLeaveThePresenterOnScreen) {
+    uikit::configureDevice(uikit::DeviceProfile::iPadAir2());
+    std::vector<std::string> log;
+    auto presenter = RecordingViewController::create("a", &log);
+    presenter->beginAppearanceTransition(true, false);
+    presenter->endAppearanceTransition();
+    auto sheet = RecordingViewController::create("sheet", &log);
+    sheet->setModalPresentationStyle(UIModalPresentationFormSheet);
+    EXPECT_EQ(sheet->modalPresentationStyle(), UIModalPresentationFormSheet);
+    presenter->presentViewController(sheet.get(), false, nullptr);
+    drain();
+    EXPECT_EQ(presenter->appearance(), UIViewController::Appearance::Appeared);
+}
+
+TEST_F(PresentationTest, ViewsLoadOnceAndOnDemand) {
+    std::vector<std::string> log;
+    auto controller = RecordingViewController::create("c", &log);
+    EXPECT_FALSE(controller->isViewLoaded());
+    EXPECT_EQ(controller->viewIfLoaded(), nullptr);
+    UIView* view = controller->view();
+    EXPECT_EQ(controller->view(), view);
+    EXPECT_EQ(controller->loadCount, 1);
+    EXPECT_EQ(view->frame(), UIScreen::mainScreen()->bounds());
+    EXPECT_EQ(view->nextResponder(), controller.get());
+}
+
+}  // namespace

@@ -1,0 +1,66 @@
+// Test doubles written as real runtime classes: a controller that logs its
+// appearance messages and a delegate that logs what it hears.
+#pragma once
+
+#include <UIKit/UIKit.h>
+
+#include <string>
+#include <vector>
+
+// Appends "<name>.<event>" to a shared log for each appearance message.
+class RecordingViewController : public UIViewController {
+    OBJC_CLASS(RecordingViewController)
+
+    static objc::Strong<RecordingViewController> create(std::string name,
+                                                        std::vector<std::string>* log);
+
+    std::string name;
+    std::vector<std::string>* log = nullptr;
+    int loadCount = 0;
+
+  private:
+    void record(const std::string& event) {
+        if (log != nullptr) log->push_back(name + "." + event);
+    }
+    void imp_viewDidLoad() {
+        ++loadCount;
+        record("load");
+    }
+    void imp_viewWillAppear(bool) { record("willAppear"); }
+    void imp_viewDidAppear(bool) { record("didAppear"); }
+    void imp_viewWillDisappear(bool) { record("willDisappear"); }
+    void imp_viewDidDisappear(bool) { record("didDisappear"); }
+};
+
+// Answers the alert-view delegate messages (logging "clicked:N",
+// "willDismiss:N", "didDismiss:N", "willPresent", "didPresent") and the
+// popover ones ("shouldDismiss", "didDismissPopover").
+class RecordingDelegate : public NSObject {
+    OBJC_CLASS(RecordingDelegate)
+
+    std::vector<std::string> log;
+    bool allowPopoverDismissal = true;
+
+  private:
+    void imp_clicked(id, NSInteger i) { log.push_back("clicked:" + std::to_string(i)); }
+    void imp_willDismiss(id, NSInteger i) { log.push_back("willDismiss:" + std::to_string(i)); }
+    void imp_didDismiss(id, NSInteger i) { log.push_back("didDismiss:" + std::to_string(i)); }
+    void imp_willPresent(id) { log.push_back("willPresent"); }
+    void imp_didPresent(id) { log.push_back("didPresent"); }
+    bool imp_shouldDismissPopover(id) {
+        log.push_back("shouldDismiss");
+        return allowPopoverDismissal;
+    }
+    void imp_didDismissPopover(id) { log.push_back("didDismissPopover"); }
+    void imp_menuCancelled(id) { log.push_back("menuCancelled"); }
+};
+
+// Answers only alertView:didDismissWithButtonIndex:.
+class DismissOnlyDelegate : public NSObject {
+    OBJC_CLASS(DismissOnlyDelegate)
+
+    std::vector<std::string> log;
+
+  private:
+    void imp_didDismiss(id, NSInteger i) { log.push_back("didDismiss:" + std::to_string(i)); }
+};

@@ -1,0 +1,45 @@
+// A view's backing layer: the drawing properties views do not carry themselves.
+#pragma once
+
+#include <objc/geometry.h>
+#include <objc/object.h>
+
+class CALayer : public NSObject {
+    OBJC_CLASS(CALayer)
+
+    static objc::Strong<CALayer> create() { return objc::make<CALayer>(); }
+
+    CGFloat cornerRadius() { return objc::msgSend<CGFloat>(this, objc::sel<"cornerRadius">()); }
+    void setCornerRadius(CGFloat radius) {
+        objc::msgSend<void>(this, objc::sel<"setCornerRadius:">(), radius);
+    }
+    bool masksToBounds() { return objc::msgSend<bool>(this, objc::sel<"masksToBounds">()); }
+    void setMasksToBounds(bool masks) {
+        objc::msgSend<void>(this, objc::sel<"setMasksToBounds:">(), masks);
+    }
+    CGFloat borderWidth() { return objc::msgSend<CGFloat>(this, objc::sel<"borderWidth">()); }
+    void setBorderWidth(CGFloat width) {
+        objc::msgSend<void>(this, objc::sel<"setBorderWidth:">(), width);
+    }
+    float opacity() { return objc::msgSend<float>(this, objc::sel<"opacity">()); }
+    void setOpacity(float opacity) {
+        objc::msgSend<void>(this, objc::sel<"setOpacity:">(), opacity);
+    }
+
+    CALayer() = default;
+
+  private:
+    CGFloat imp_cornerRadius() const { return cornerRadius_; }
+    void imp_setCornerRadius(CGFloat radius) { cornerRadius_ = radius; }
+    bool imp_masksToBounds() const { return masksToBounds_; }
+    void imp_setMasksToBounds(bool masks) { masksToBounds_ = masks; }
+    CGFloat imp_borderWidth() const { return borderWidth_; }
+    void imp_setBorderWidth(CGFloat width) { borderWidth_ = width; }
+    float imp_opacity() const { return opacity_; }
+    void imp_setOpacity(float opacity) { opacity_ = opacity; }
+
+    CGFloat cornerRadius_ = 0;
+    bool masksToBounds_ = false;
+    CGFloat borderWidth_ = 0;
+    float opacity_ = 1.0f;
+};

@@ -1,0 +1,34 @@
+// Document providers: the places outside the app's container that the
+// document menu offers (iCloud Drive and the like). On this platform a
+// provider is a folder of the device; the device profile lists them.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace uikit {
+
+struct DocumentProvider {
+    std::string name;  // what the menu shows, "iCloud Drive"
+    // The provider's folder. Empty: the standard place for a provider of
+    // that name, defaultDocumentProviderFolder(name).
+    std::string folder;
+
+    bool operator==(const DocumentProvider&) const = default;
+};
+
+// The providers a device has unless configured otherwise: iCloud Drive.
+std::vector<DocumentProvider> defaultDocumentProviders();
+
+// "<home>/../DocumentProviders/<name>": beside the app's container, as a
+// provider's files are outside the app on the device. The home is
+// NSHomeDirectory(), so the folder follows the configured container.
+std::string defaultDocumentProviderFolder(const std::string& name);
+
+// The provider's folder, the default one when it names none.
+std::string documentProviderFolder(const DocumentProvider& provider);
+
+// The current device's providers (DeviceProfile::documentProviders).
+std::vector<DocumentProvider> currentDocumentProviders();
+
+}  // namespace uikit
