@@ -86,6 +86,19 @@ class MediaScratch {
     std::unique_ptr<host::ChatStore> store_;
 };
 
+// Writes the 1 GiB file, or marks the benchmark skipped and answers false.
+bool prepare(benchmark::State& state, const MediaScratch& scratch, const fs::path& file) {
+    if (const std::string problem = scratch.problem(); !problem.empty()) {
+        state.SkipWithError(problem.c_str());
+        return false;
+    }
+    if (!MediaScratch::makeFile(file)) {
+        state.SkipWithError("cannot write the 1 GiB file");
+        return false;
+    }
+    return true;
+}
+
 host::Message send(MediaScratch& scratch, const fs::path& file, bool transfer) {
     auto attachment = WADocumentAttachment::create(NSURL::fileURL(file.string()).get(), transfer);
     return host::sendDocument(scratch.store(), "Bench", *attachment, scratch.home());
@@ -95,14 +108,7 @@ void BM_SendMovedFromInbox(benchmark::State& state) {
     objc::AutoreleasePool pool;
     MediaScratch scratch;
     const fs::path inbox = scratch.home() / "tmp" / "Inbox" / "Film.mov";
-    if (const std::string problem = scratch.problem(); !problem.empty()) {
-        state.SkipWithError(problem.c_str());
-        return;
-    }
-    if (!MediaScratch::makeFile(inbox)) {
-        state.SkipWithError("cannot write the 1 GiB file");
-        return;
-    }
+    if (!prepare(state, scratch, inbox)) return;
     for (auto _ : state) {
         const host::Message sent = send(scratch, inbox, true);
         state.PauseTiming();
@@ -116,14 +122,7 @@ void BM_SendCopiedFromOutside(benchmark::State& state) {
     objc::AutoreleasePool pool;
     MediaScratch scratch;
     const fs::path original = scratch.outside() / "Film.mov";
-    if (const std::string problem = scratch.problem(); !problem.empty()) {
-        state.SkipWithError(problem.c_str());
-        return;
-    }
-    if (!MediaScratch::makeFile(original)) {
-        state.SkipWithError("cannot write the 1 GiB file");
-        return;
-    }
+    if (!prepare(state, scratch, original)) return;
     for (auto _ : state) {
         const host::Message sent = send(scratch, original, true);
         state.PauseTiming();
@@ -137,14 +136,7 @@ void BM_CpBaseline(benchmark::State& state) {
     MediaScratch scratch;
     const fs::path original = scratch.outside() / "Film.mov";
     const fs::path copy = scratch.home() / "Film-copy.mov";
-    if (const std::string problem = scratch.problem(); !problem.empty()) {
-        state.SkipWithError(problem.c_str());
-        return;
-    }
-    if (!MediaScratch::makeFile(original)) {
-        state.SkipWithError("cannot write the 1 GiB file");
-        return;
-    }
+    if (!prepare(state, scratch, original)) return;
     std::string program = "cp", from = original.string(), to = copy.string();
     std::vector<char*> argv{program.data(), from.data(), to.data(), nullptr};
     for (auto _ : state) {

@@ -80,6 +80,20 @@ bool exists(const std::string& path) {
     return ::lstat(path.c_str(), &st) == 0;
 }
 
+// A copy or a move needs a source and must not replace anything.
+bool canTransfer(const std::string& from, const std::string& to, NSError** error) {
+    if (!checkPath(from, error) || !checkPath(to, error)) return false;
+    if (!exists(from)) {
+        fail(error, ENOENT, from);
+        return false;
+    }
+    if (exists(to)) {
+        fail(error, EEXIST, to);
+        return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 NSFileManager* NSFileManager::imp_defaultManager(Class) {
@@ -174,15 +188,7 @@ NSString* NSFileManager::imp_destinationOfSymbolicLinkAtPath(NSString* path, NSE
 bool NSFileManager::imp_copyItemAtPath(NSString* source, NSString* destination, NSError** error) {
     const std::string from = pathOf(source);
     const std::string to = pathOf(destination);
-    if (!checkPath(from, error) || !checkPath(to, error)) return false;
-    if (!exists(from)) {
-        fail(error, ENOENT, from);
-        return false;
-    }
-    if (exists(to)) {
-        fail(error, EEXIST, to);
-        return false;
-    }
+    if (!canTransfer(from, to, error)) return false;
     std::error_code code;
     const fs::file_status status = fs::symlink_status(from, code);
     if (!code) {
@@ -207,16 +213,8 @@ bool NSFileManager::imp_copyItemAtPath(NSString* source, NSString* destination, 
 bool NSFileManager::imp_moveItemAtPath(NSString* source, NSString* destination, NSError** error) {
     const std::string from = pathOf(source);
     const std::string to = pathOf(destination);
-    if (!checkPath(from, error) || !checkPath(to, error)) return false;
-    if (!exists(from)) {
-        fail(error, ENOENT, from);
-        return false;
-    }
     // The platform refuses to replace; rename() alone would.
-    if (exists(to)) {
-        fail(error, EEXIST, to);
-        return false;
-    }
+    if (!canTransfer(from, to, error)) return false;
     if (::rename(from.c_str(), to.c_str()) == 0) return true;
     if (errno != EXDEV) {
         fail(error, errno, from);

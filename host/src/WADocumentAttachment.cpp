@@ -135,8 +135,11 @@ std::uint64_t copyContents(int in, int out) {
     }
 }
 
-// Copies to a new file in the folder, flushed to disk; answers its path and
-// size. A failed copy leaves nothing behind.
+// Copies to a new file in the folder; answers its path and size. A failed
+// copy leaves nothing behind. The data is not flushed here: the user's own
+// file stays where it was, so a crash can cost the chat's copy but nothing
+// of the user's, and waiting for a whole large file to reach the disk would
+// double the time a send takes (the kernel writes it back as it does for cp).
 std::pair<fs::path, std::uint64_t> copyInto(const fs::path& source, const fs::path& folder,
                                             const std::string& name) {
     const FileDescriptor in(::open(source.c_str(), O_RDONLY | O_CLOEXEC));
@@ -155,7 +158,6 @@ std::pair<fs::path, std::uint64_t> copyInto(const fs::path& source, const fs::pa
         if (out.get() < 0) throwErrno("create " + target.string());
         try {
             const std::uint64_t size = copyContents(in.get(), out.get());
-            if (::fsync(out.get()) != 0) throwErrno("sync " + target.string());
             syncFolder(folder);
             return {target, size};
         } catch (...) {
