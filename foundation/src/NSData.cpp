@@ -1,6 +1,7 @@
 #include <Foundation/NSData.h>
 
 #include <Foundation/NSURL.h>
+#include <Foundation/URLDownload.h>
 
 #include <objc/image.h>
 
@@ -24,7 +25,8 @@ using Bytes = std::vector<std::uint8_t>;
 
 struct LoaderRegistry {
     std::mutex lock;
-    foundation::URLLoader loader;
+    // http and https through libcurl until someone installs another loader.
+    foundation::URLLoader loader = foundation::httpURLLoader();
 };
 
 LoaderRegistry& loaderRegistry() {

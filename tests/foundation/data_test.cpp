@@ -207,7 +207,7 @@ TEST_F(DataFiles, LoadsFileURLsAndAsksTheLoaderForOthers) {
 
     NSURL* remote = NSURL::URLWithString(NSSTR("http://example.invalid/page"));
     ASSERT_NE(remote, nullptr);
-    EXPECT_EQ(NSData::dataWithContentsOfURL(remote), nullptr);  // no loader installed
+    EXPECT_EQ(NSData::dataWithContentsOfURL(remote), nullptr);  // no such host
     NSURL* asked = nullptr;
     foundation::setURLLoader([&](NSURL* url) -> std::optional<std::vector<std::uint8_t>> {
         asked = url;

@@ -36,6 +36,8 @@ void UIView::objcDefine(objc::ClassBuilder<UIView>& b) {
         .method<&UIView::imp_setTag>("setTag:")
         .method<&UIView::imp_viewWithTag>("viewWithTag:")
         .method<&UIView::imp_layer>("layer")
+        .method<&UIView::imp_accessibilityTraits>("accessibilityTraits")
+        .method<&UIView::imp_setAccessibilityTraits>("setAccessibilityTraits:")
         .method<&UIView::imp_nextResponder>("nextResponder");
 }
 

@@ -151,7 +151,8 @@ class NSMutableData : public NSData {
 namespace foundation {
 
 // Fetches the contents of a URL that is not a file URL; nullopt when it
-// cannot. Installed by whatever provides network access (none by default).
+// cannot. By default http and https are downloaded with libcurl
+// (foundation::httpURLLoader in Foundation/URLDownload.h).
 using URLLoader = std::function<std::optional<std::vector<std::uint8_t>>(NSURL* url)>;
 // Replaces the loader; an empty function removes it.
 void setURLLoader(URLLoader loader);

@@ -11,6 +11,7 @@
 
 #include <objc/geometry.h>
 
+#include <cstdint>
 #include <vector>
 
 class NSArray;
@@ -18,6 +19,15 @@ class UIWindow;
 class UIViewController;
 
 inline constexpr CGRect CGRectZero{};
+
+// What assistive technologies are told about a view; a bit set.
+using UIAccessibilityTraits = std::uint64_t;
+inline constexpr UIAccessibilityTraits UIAccessibilityTraitNone = 0;
+inline constexpr UIAccessibilityTraits UIAccessibilityTraitButton = 1;
+inline constexpr UIAccessibilityTraits UIAccessibilityTraitLink = 1 << 1;
+inline constexpr UIAccessibilityTraits UIAccessibilityTraitImage = 1 << 2;
+inline constexpr UIAccessibilityTraits UIAccessibilityTraitSelected = 1 << 3;
+inline constexpr UIAccessibilityTraits UIAccessibilityTraitStaticText = 1 << 6;
 
 class UIView : public UIResponder {
     OBJC_CLASS(UIView)
@@ -66,6 +76,12 @@ class UIView : public UIResponder {
         return objc::msgSend<UIView*>(this, objc::sel<"viewWithTag:">(), tag);
     }
     CALayer* layer() { return objc::msgSend<CALayer*>(this, objc::sel<"layer">()); }
+    UIAccessibilityTraits accessibilityTraits() {
+        return objc::msgSend<UIAccessibilityTraits>(this, objc::sel<"accessibilityTraits">());
+    }
+    void setAccessibilityTraits(UIAccessibilityTraits traits) {
+        objc::msgSend<void>(this, objc::sel<"setAccessibilityTraits:">(), traits);
+    }
 
     // The subviews without a message, back to front.
     const std::vector<objc::Strong<UIView>>& subviewList() const noexcept { return subviews_; }
@@ -100,6 +116,8 @@ class UIView : public UIResponder {
     void imp_setTag(NSInteger tag) { tag_ = tag; }
     UIView* imp_viewWithTag(NSInteger tag);
     CALayer* imp_layer();
+    UIAccessibilityTraits imp_accessibilityTraits() const { return accessibilityTraits_; }
+    void imp_setAccessibilityTraits(UIAccessibilityTraits traits) { accessibilityTraits_ = traits; }
     UIResponder* imp_nextResponder();
 
     // Takes the view out of its superview's list without messages.
@@ -113,5 +131,6 @@ class UIView : public UIResponder {
     UIViewController* controller_ = nullptr;  // not retained: the controller holds us
     bool hidden_ = false;
     NSInteger tag_ = 0;
+    UIAccessibilityTraits accessibilityTraits_ = UIAccessibilityTraitNone;
     objc::Strong<CALayer> layer_;
 };

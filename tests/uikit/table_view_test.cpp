@@ -1,0 +1,307 @@
+// Table cells and table views as a static settings table uses them.
+#include "uikit_fixture.h"
+
+#include <UIKit/UISwitch.h>
+#include <UIKit/UITableView.h>
+
+#include <Foundation/NSArray.h>
+#include <Foundation/NSMutableString.h>
+
+#include <objc/image.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+// Serves fixed cells; counts what it is asked.
+class CellSource : public NSObject {
+    OBJC_CLASS(CellSource)
+
+    std::vector<std::vector<objc::Strong<UITableViewCell>>> sections;
+    int cellRequests = 0;
+    int countRequests = 0;
+    bool answerNil = false;
+
+  private:
+    NSInteger imp_sections(id) {
+        ++countRequests;
+        return static_cast<NSInteger>(sections.size());
+    }
+    NSInteger imp_rows(id, NSInteger section) {
+        return static_cast<NSInteger>(sections.at(static_cast<std::size_t>(section)).size());
+    }
+    UITableViewCell* imp_cell(id, NSIndexPath* path) {
+        ++cellRequests;
+        if (answerNil) return nullptr;
+        return sections.at(static_cast<std::size_t>(path->section()))
+            .at(static_cast<std::size_t>(path->row()))
+            .get();
+    }
+    NSString* imp_header(id, NSInteger section) { return section == 0 ? NSSTR("First") : nullptr; }
+};
+
+OBJC_DEFINE_CLASS(CellSource, NSObject, "TableTestCellSource")
+OBJC_REGISTER_CLASS(CellSource)
+
+void CellSource::objcDefine(objc::ClassBuilder<CellSource>& b) {
+    b.method<&CellSource::imp_sections>("numberOfSectionsInTableView:")
+        .method<&CellSource::imp_rows>("tableView:numberOfRowsInSection:")
+        .method<&CellSource::imp_cell>("tableView:cellForRowAtIndexPath:")
+        .method<&CellSource::imp_header>("tableView:titleForHeaderInSection:");
+}
+
+// Logs selection messages as "will:s.r", "did:s.r", "deselect:s.r"; may
+// redirect or refuse a selection.
+class SelectionDelegate : public NSObject {
+    OBJC_CLASS(SelectionDelegate)
+
+    std::vector<std::string> log;
+    bool refuse = false;
+    objc::Strong<NSIndexPath> redirect;
+
+  private:
+    static std::string text(NSIndexPath* path) {
+        return std::to_string(path->section()) + "." + std::to_string(path->row());
+    }
+    NSIndexPath* imp_will(id, NSIndexPath* path) {
+        log.push_back("will:" + text(path));
+        if (refuse) return nullptr;
+        return redirect ? redirect.get() : path;
+    }
+    void imp_did(UITableView* table, NSIndexPath* path) {
+        // The row is already selected when the delegate hears of it.
+        const bool selected = table->cellForRowAtIndexPath(path)->isSelected();
+        log.push_back("did:" + text(path) + (selected ? "" : "(unselected)"));
+    }
+    void imp_deselected(id, NSIndexPath* path) { log.push_back("deselect:" + text(path)); }
+};
+
+OBJC_DEFINE_CLASS(SelectionDelegate, NSObject, "TableTestSelectionDelegate")
+OBJC_REGISTER_CLASS(SelectionDelegate)
+
+void SelectionDelegate::objcDefine(objc::ClassBuilder<SelectionDelegate>& b) {
+    b.method<&SelectionDelegate::imp_will>("tableView:willSelectRowAtIndexPath:")
+        .method<&SelectionDelegate::imp_did>("tableView:didSelectRowAtIndexPath:")
+        .method<&SelectionDelegate::imp_deselected>("tableView:didDeselectRowAtIndexPath:");
+}
+
+NSIndexPath* at(NSInteger section, NSInteger row) {
+    return NSIndexPath::indexPathForRowInSection(row, section);
+}
+
+class TableCells : public UIKitTest {};
+
+TEST_F(TableCells, StylesDecideWhichLabelsExist) {
+    auto plain = UITableViewCell::create(UITableViewCellStyleDefault, NSSTR("Plain"));
+    EXPECT_EQ(plain->style(), UITableViewCellStyleDefault);
+    EXPECT_TRUE(plain->reuseIdentifier()->isEqualToString(NSSTR("Plain")));
+    ASSERT_NE(plain->textLabel(), nullptr);
+    EXPECT_EQ(plain->detailTextLabel(), nullptr);
+    ASSERT_NE(plain->imageView(), nullptr);
+    EXPECT_EQ(plain->imageView()->image(), nullptr);
+    // The labels live in the content view, once.
+    EXPECT_TRUE(plain->textLabel()->isDescendantOfView(plain->contentView()));
+    EXPECT_EQ(plain->textLabel(), plain->textLabel());
+
+    for (UITableViewCellStyle style :
+         {UITableViewCellStyleValue1, UITableViewCellStyleValue2, UITableViewCellStyleSubtitle}) {
+        auto cell = UITableViewCell::create(style);
+        EXPECT_EQ(cell->style(), style);
+        EXPECT_EQ(cell->reuseIdentifier(), nullptr);
+        ASSERT_NE(cell->detailTextLabel(), nullptr) << style;
+        EXPECT_NE(cell->detailTextLabel(), cell->textLabel());
+    }
+    // A cell made without a style is a default one, with its labels.
+    auto bare = objc::adopt(
+        objc::msgSend<UITableViewCell*>(UITableViewCell::objcClass(), objc::sel<"new">()));
+    EXPECT_EQ(bare->style(), UITableViewCellStyleDefault);
+    EXPECT_NE(bare->textLabel(), nullptr);
+}
+
+TEST_F(TableCells, LabelsKeepACopyOfTheirText) {
+    auto cell = UITableViewCell::create(UITableViewCellStyleSubtitle, NSSTR("id"));
+    UILabel* label = cell->textLabel();
+    EXPECT_EQ(label->textAlignment(), NSTextAlignmentNatural);
+    auto text = NSMutableString::create();
+    text->appendString(NSSTR("Parcelvane"));
+    label->setText(text.get());
+    text->appendString(NSSTR(" Settings"));
+    EXPECT_EQ(label->text()->utf8(), "Parcelvane");
+    label->setTextAlignment(NSTextAlignmentLeft);
+    EXPECT_EQ(label->textAlignment(), NSTextAlignmentLeft);
+    cell->detailTextLabel()->setText(NSSTR("On"));
+    EXPECT_EQ(cell->detailTextLabel()->text()->utf8(), "On");
+    label->setText(nullptr);
+    EXPECT_EQ(label->text(), nullptr);
+}
+
+TEST_F(TableCells, AccessoryViewIsRetainedAndFoundByTag) {
+    auto cell = UITableViewCell::create(UITableViewCellStyleDefault, NSSTR("Switch"));
+    EXPECT_EQ(cell->accessoryType(), UITableViewCellAccessoryNone);
+    cell->setAccessoryType(UITableViewCellAccessoryDisclosureIndicator);
+    EXPECT_EQ(cell->accessoryType(), UITableViewCellAccessoryDisclosureIndicator);
+
+    UISwitch* control = nullptr;
+    {
+        auto owned = UISwitch::create();
+        owned->setTag(34);
+        control = owned.get();
+        cell->setAccessoryView(control);
+    }
+    // Only the cell holds the switch now.
+    EXPECT_EQ(cell->accessoryView(), control);
+    EXPECT_EQ(cell->viewWithTag(34), control);
+    EXPECT_EQ(control->superview(), cell.get());
+
+    auto replacement = UISwitch::create();
+    cell->setAccessoryView(replacement.get());
+    EXPECT_EQ(cell->viewWithTag(34), nullptr);
+    cell->setAccessoryView(nullptr);
+    EXPECT_EQ(cell->accessoryView(), nullptr);
+    EXPECT_EQ(replacement->superview(), nullptr);
+}
+
+TEST_F(TableCells, SelectionStyleDefaultsFollowTheSystemVersion) {
+    auto modern = UITableViewCell::create(UITableViewCellStyleDefault);
+    EXPECT_EQ(modern->selectionStyle(), UITableViewCellSelectionStyleDefault);
+    modern->setSelectionStyle(UITableViewCellSelectionStyleNone);
+    EXPECT_EQ(modern->selectionStyle(), UITableViewCellSelectionStyleNone);
+
+    auto old = uikit::DeviceProfile::iPhone4s();
+    old.systemVersion = "6.1";
+    uikit::configureDevice(old);
+    auto legacy = UITableViewCell::create(UITableViewCellStyleDefault);
+    EXPECT_EQ(legacy->selectionStyle(), UITableViewCellSelectionStyleBlue);
+
+    EXPECT_FALSE(legacy->isSelected());
+    legacy->setSelectedAnimated(true, true);
+    EXPECT_TRUE(legacy->isSelected());
+    legacy->setHighlighted(true);
+    EXPECT_TRUE(legacy->isHighlighted());
+}
+
+class TableViews : public UIKitTest {
+  protected:
+    void SetUp() override {
+        UIKitTest::SetUp();
+        source = objc::make<CellSource>();
+        for (std::size_t section = 0; section < 2; ++section) {
+            source->sections.emplace_back();
+            for (std::size_t row = 0; row < 3 - section; ++row) {
+                source->sections.back().push_back(
+                    UITableViewCell::create(UITableViewCellStyleDefault));
+            }
+        }
+        delegate = objc::make<SelectionDelegate>();
+        table = UITableView::create(CGRectMake(0, 0, 320, 480), UITableViewStyleGrouped);
+        table->setDataSource(source.get());
+        table->setDelegate(delegate.get());
+    }
+    UITableViewCell* served(std::size_t section, std::size_t row) {
+        return source->sections[section][row].get();
+    }
+
+    objc::Strong<CellSource> source;
+    objc::Strong<SelectionDelegate> delegate;
+    objc::Strong<UITableView> table;
+};
+
+TEST_F(TableViews, AskTheDataSourceOnceUntilReloaded) {
+    EXPECT_EQ(table->style(), UITableViewStyleGrouped);
+    EXPECT_EQ(table->dataSource(), source.get());
+    EXPECT_EQ(table->numberOfSections(), 2);
+    EXPECT_EQ(table->numberOfRowsInSection(0), 3);
+    EXPECT_EQ(table->numberOfRowsInSection(1), 2);
+    EXPECT_EQ(table->numberOfRowsInSection(2), 0);
+    EXPECT_EQ(source->countRequests, 1);
+    EXPECT_EQ(table->cellForRowAtIndexPath(at(1, 1)), served(1, 1));
+    EXPECT_EQ(table->cellForRowAtIndexPath(at(1, 1)), served(1, 1));
+    EXPECT_EQ(source->cellRequests, 1);
+    EXPECT_EQ(table->cellForRowAtIndexPath(at(1, 2)), nullptr);
+    EXPECT_EQ(table->cellForRowAtIndexPath(at(-1, 0)), nullptr);
+    EXPECT_EQ(table->cellForRowAtIndexPath(nullptr), nullptr);
+    EXPECT_EQ(table->indexPathForCell(served(1, 1))->row(), 1);
+    EXPECT_EQ(table->headerTitleForSection(0)->utf8(), "First");
+    EXPECT_EQ(table->headerTitleForSection(1), nullptr);
+    EXPECT_EQ(table->footerTitleForSection(0), nullptr);
+
+    // A row added to the source shows after a reload, not before.
+    source->sections[1].push_back(UITableViewCell::create(UITableViewCellStyleValue1));
+    EXPECT_EQ(table->numberOfRowsInSection(1), 2);
+    table->reloadData();
+    EXPECT_EQ(table->numberOfRowsInSection(1), 3);
+    EXPECT_EQ(table->cellForRowAtIndexPath(at(1, 2)), served(1, 2));
+    EXPECT_EQ(table->visibleCells()->count(), 6u);
+
+    // Reloading one row asks for that row's cell again.
+    const int asked = source->cellRequests;
+    auto paths = NSArray::create({at(0, 0)});
+    table->reloadRowsAtIndexPathsWithRowAnimation(paths.get(), UITableViewRowAnimationNone);
+    table->cellForRowAtIndexPath(at(0, 0));
+    EXPECT_EQ(source->cellRequests, asked + 1);
+}
+
+TEST_F(TableViews, ANilCellFromTheDataSourceRaises) {
+    source->answerNil = true;
+    EXPECT_THROW(table->cellForRowAtIndexPath(at(0, 0)), objc::Exception);
+}
+
+TEST_F(TableViews, SelectionFromCodeDoesNotTellTheDelegate) {
+    EXPECT_EQ(table->indexPathForSelectedRow(), nullptr);
+    table->selectRowAtIndexPath(at(0, 2), false, UITableViewScrollPositionNone);
+    ASSERT_NE(table->indexPathForSelectedRow(), nullptr);
+    EXPECT_EQ(table->indexPathForSelectedRow()->row(), 2);
+    EXPECT_TRUE(table->cellForRowAtIndexPath(at(0, 2))->isSelected());
+    // Single selection: choosing another row lets go of the first.
+    table->selectRowAtIndexPath(at(1, 0), false, UITableViewScrollPositionNone);
+    EXPECT_FALSE(served(0, 2)->isSelected());
+    EXPECT_TRUE(table->cellForRowAtIndexPath(at(1, 0))->isSelected());
+    // Deselecting another row changes nothing; the selected one clears.
+    table->deselectRowAtIndexPath(at(0, 0), false);
+    EXPECT_EQ(table->indexPathForSelectedRow()->section(), 1);
+    table->deselectRowAtIndexPath(at(1, 0), true);
+    EXPECT_EQ(table->indexPathForSelectedRow(), nullptr);
+    EXPECT_FALSE(served(1, 0)->isSelected());
+    // Out of the table: ignored.
+    table->selectRowAtIndexPath(at(5, 0), false, UITableViewScrollPositionNone);
+    EXPECT_EQ(table->indexPathForSelectedRow(), nullptr);
+    EXPECT_TRUE(delegate->log.empty());
+    // A reload forgets the selection.
+    table->selectRowAtIndexPath(at(0, 1), false, UITableViewScrollPositionNone);
+    table->reloadData();
+    EXPECT_EQ(table->indexPathForSelectedRow(), nullptr);
+}
+
+TEST_F(TableViews, UserTapsSelectThenTellTheDelegate) {
+    EXPECT_TRUE(table->userSelectRowAtIndexPath(at(0, 1)));
+    EXPECT_TRUE(table->userSelectRowAtIndexPath(at(1, 0)));
+    EXPECT_EQ(delegate->log, (std::vector<std::string>{"will:0.1", "did:0.1", "will:1.0",
+                                                       "deselect:0.1", "did:1.0"}));
+    EXPECT_FALSE(served(0, 1)->isSelected());
+
+    delegate->log.clear();
+    delegate->redirect = objc::retained(at(0, 0));
+    EXPECT_TRUE(table->userSelectRowAtIndexPath(at(0, 2)));
+    EXPECT_EQ(table->indexPathForSelectedRow()->row(), 0);
+    EXPECT_EQ(delegate->log, (std::vector<std::string>{"will:0.2", "deselect:1.0", "did:0.0"}));
+
+    delegate->log.clear();
+    delegate->refuse = true;
+    EXPECT_FALSE(table->userSelectRowAtIndexPath(at(1, 1)));
+    EXPECT_EQ(delegate->log, std::vector<std::string>{"will:1.1"});
+    EXPECT_EQ(table->indexPathForSelectedRow()->row(), 0);
+    EXPECT_FALSE(table->userSelectRowAtIndexPath(at(9, 9)));
+}
+
+TEST_F(TableViews, WithoutADataSourceTheTableIsEmpty) {
+    auto empty = UITableView::create();
+    EXPECT_EQ(empty->style(), UITableViewStylePlain);
+    EXPECT_EQ(empty->numberOfSections(), 0);
+    EXPECT_EQ(empty->cellForRowAtIndexPath(at(0, 0)), nullptr);
+    EXPECT_FALSE(empty->userSelectRowAtIndexPath(at(0, 0)));
+}
+
+}  // namespace

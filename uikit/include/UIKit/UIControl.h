@@ -1,0 +1,93 @@
+// A view that reports user interaction to targets through actions.
+//
+// Each registration is a (target, action, events) triple; the target is not
+// retained, as on the platform, so a target must unregister (or outlive the
+// control). Actions take the control as their one argument ("v@:@").
+#pragma once
+
+#include <UIKit/UIView.h>
+
+#include <cstddef>
+#include <vector>
+
+using UIControlEvents = NSUInteger;
+inline constexpr UIControlEvents UIControlEventTouchDown = 1 << 0;
+inline constexpr UIControlEvents UIControlEventTouchUpInside = 1 << 6;
+inline constexpr UIControlEvents UIControlEventTouchUpOutside = 1 << 7;
+inline constexpr UIControlEvents UIControlEventTouchCancel = 1 << 8;
+inline constexpr UIControlEvents UIControlEventValueChanged = 1 << 12;
+inline constexpr UIControlEvents UIControlEventEditingDidBegin = 1 << 16;
+inline constexpr UIControlEvents UIControlEventEditingChanged = 1 << 17;
+inline constexpr UIControlEvents UIControlEventEditingDidEnd = 1 << 18;
+inline constexpr UIControlEvents UIControlEventAllTouchEvents = 0x00000FFF;
+inline constexpr UIControlEvents UIControlEventAllEditingEvents = 0x000F0000;
+inline constexpr UIControlEvents UIControlEventAllEvents = 0xFFFFFFFF;
+
+class UIControl : public UIView {
+    OBJC_CLASS(UIControl)
+
+    // Registering the same target and action again adds the events to the
+    // existing registration.
+    void addTargetActionForControlEvents(id target, SEL action, UIControlEvents events) {
+        objc::msgSend<void>(this, objc::sel<"addTarget:action:forControlEvents:">(), target, action,
+                            events);
+    }
+    // Removes the events from matching registrations; a nil target matches
+    // every target and a null action every action.
+    void removeTargetActionForControlEvents(id target, SEL action, UIControlEvents events) {
+        objc::msgSend<void>(this, objc::sel<"removeTarget:action:forControlEvents:">(), target,
+                            action, events);
+    }
+    // Sends each action registered for any of the events to its target, in
+    // registration order, with the control as the argument. Registrations
+    // with a nil target are skipped: there is no responder chain to search.
+    void sendActionsForControlEvents(UIControlEvents events) {
+        objc::msgSend<void>(this, objc::sel<"sendActionsForControlEvents:">(), events);
+    }
+    // The events of every registration, OR-ed together.
+    UIControlEvents allControlEvents() {
+        return objc::msgSend<UIControlEvents>(this, objc::sel<"allControlEvents">());
+    }
+
+    // A disabled control ignores the user; code can still change it.
+    bool isEnabled() { return objc::msgSend<bool>(this, objc::sel<"isEnabled">()); }
+    void setEnabled(bool enabled) {
+        objc::msgSend<void>(this, objc::sel<"setEnabled:">(), enabled);
+    }
+    bool isSelected() { return objc::msgSend<bool>(this, objc::sel<"isSelected">()); }
+    void setSelected(bool selected) {
+        objc::msgSend<void>(this, objc::sel<"setSelected:">(), selected);
+    }
+    bool isHighlighted() { return objc::msgSend<bool>(this, objc::sel<"isHighlighted">()); }
+    void setHighlighted(bool highlighted) {
+        objc::msgSend<void>(this, objc::sel<"setHighlighted:">(), highlighted);
+    }
+
+    // The number of registrations, without a message.
+    std::size_t registrationCount() const noexcept { return registrations_.size(); }
+
+    UIControl() = default;
+
+  private:
+    struct Registration {
+        id target;  // not retained
+        SEL action;
+        UIControlEvents events;
+    };
+
+    void imp_addTargetActionForControlEvents(id target, SEL action, UIControlEvents events);
+    void imp_removeTargetActionForControlEvents(id target, SEL action, UIControlEvents events);
+    void imp_sendActionsForControlEvents(UIControlEvents events);
+    UIControlEvents imp_allControlEvents() const;
+    bool imp_isEnabled() const { return enabled_; }
+    void imp_setEnabled(bool enabled) { enabled_ = enabled; }
+    bool imp_isSelected() const { return selected_; }
+    void imp_setSelected(bool selected) { selected_ = selected; }
+    bool imp_isHighlighted() const { return highlighted_; }
+    void imp_setHighlighted(bool highlighted) { highlighted_ = highlighted; }
+
+    std::vector<Registration> registrations_;
+    bool enabled_ = true;
+    bool selected_ = false;
+    bool highlighted_ = false;
+};

@@ -1,0 +1,52 @@
+// A view showing one text.
+#pragma once
+
+#include <UIKit/UIView.h>
+
+#include <objc/string.h>
+
+using NSTextAlignment = NSInteger;
+inline constexpr NSTextAlignment NSTextAlignmentLeft = 0;
+inline constexpr NSTextAlignment NSTextAlignmentCenter = 1;
+inline constexpr NSTextAlignment NSTextAlignmentRight = 2;
+inline constexpr NSTextAlignment NSTextAlignmentJustified = 3;
+inline constexpr NSTextAlignment NSTextAlignmentNatural = 4;
+
+class UILabel : public UIView {
+    OBJC_CLASS(UILabel)
+
+    static objc::Strong<UILabel> create(CGRect frame = CGRectZero) {
+        return objc::adopt(static_cast<UILabel*>(objc::alloc<UILabel>()->initWithFrame(frame)));
+    }
+
+    // The label keeps a copy; nil clears it.
+    NSString* text() { return objc::msgSend<NSString*>(this, objc::sel<"text">()); }
+    void setText(NSString* text) { objc::msgSend<void>(this, objc::sel<"setText:">(), text); }
+    NSTextAlignment textAlignment() {
+        return objc::msgSend<NSTextAlignment>(this, objc::sel<"textAlignment">());
+    }
+    void setTextAlignment(NSTextAlignment alignment) {
+        objc::msgSend<void>(this, objc::sel<"setTextAlignment:">(), alignment);
+    }
+    // 0 means as many lines as the text needs.
+    NSInteger numberOfLines() {
+        return objc::msgSend<NSInteger>(this, objc::sel<"numberOfLines">());
+    }
+    void setNumberOfLines(NSInteger lines) {
+        objc::msgSend<void>(this, objc::sel<"setNumberOfLines:">(), lines);
+    }
+
+    UILabel() = default;
+
+  private:
+    NSString* imp_text() const { return text_.get(); }
+    void imp_setText(NSString* text);
+    NSTextAlignment imp_textAlignment() const { return alignment_; }
+    void imp_setTextAlignment(NSTextAlignment alignment) { alignment_ = alignment; }
+    NSInteger imp_numberOfLines() const { return lines_; }
+    void imp_setNumberOfLines(NSInteger lines) { lines_ = lines; }
+
+    objc::Strong<NSString> text_;
+    NSTextAlignment alignment_ = NSTextAlignmentNatural;
+    NSInteger lines_ = 1;
+};

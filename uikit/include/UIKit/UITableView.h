@@ -1,0 +1,167 @@
+// A table of sections of rows, filled by a data source and reporting taps to
+// a delegate (neither retained, as on the platform).
+//
+// Headless, every row counts as visible: the table asks the data source for
+// the counts and a row's cell the first time it needs them after a reload,
+// and keeps the cells until the next reload. Selection is single: selecting
+// a row deselects the previous one.
+//
+// Data source messages: numberOfSectionsInTableView: (optional, 1 without
+// it), tableView:numberOfRowsInSection:, tableView:cellForRowAtIndexPath:
+// (a nil cell raises NSInternalInconsistencyException), and optionally
+// tableView:titleForHeaderInSection: / tableView:titleForFooterInSection:.
+// Delegate messages (all optional): tableView:willSelectRowAtIndexPath:,
+// tableView:didSelectRowAtIndexPath:, tableView:didDeselectRowAtIndexPath:.
+#pragma once
+
+#include <UIKit/UITableViewCell.h>
+#include <UIKit/UIView.h>
+
+#include <Foundation/NSIndexPath.h>
+
+#include <objc/string.h>
+
+#include <optional>
+#include <vector>
+
+class NSArray;
+
+using UITableViewStyle = NSInteger;
+inline constexpr UITableViewStyle UITableViewStylePlain = 0;
+inline constexpr UITableViewStyle UITableViewStyleGrouped = 1;
+
+using UITableViewScrollPosition = NSInteger;
+inline constexpr UITableViewScrollPosition UITableViewScrollPositionNone = 0;
+inline constexpr UITableViewScrollPosition UITableViewScrollPositionTop = 1;
+inline constexpr UITableViewScrollPosition UITableViewScrollPositionMiddle = 2;
+inline constexpr UITableViewScrollPosition UITableViewScrollPositionBottom = 3;
+
+using UITableViewRowAnimation = NSInteger;
+inline constexpr UITableViewRowAnimation UITableViewRowAnimationFade = 0;
+inline constexpr UITableViewRowAnimation UITableViewRowAnimationNone = 5;
+inline constexpr UITableViewRowAnimation UITableViewRowAnimationAutomatic = 100;
+
+class UITableView : public UIView {
+    OBJC_CLASS(UITableView)
+
+    static objc::Strong<UITableView> create(CGRect frame = CGRectZero,
+                                            UITableViewStyle style = UITableViewStylePlain) {
+        return objc::adopt(objc::alloc<UITableView>()->initWithFrameStyle(frame, style));
+    }
+
+    UITableView* initWithFrameStyle(CGRect frame, UITableViewStyle style) {
+        return objc::msgSend<UITableView*>(this, objc::sel<"initWithFrame:style:">(), frame, style);
+    }
+    UITableViewStyle style() { return objc::msgSend<UITableViewStyle>(this, objc::sel<"style">()); }
+
+    id dataSource() { return objc::msgSend<id>(this, objc::sel<"dataSource">()); }
+    void setDataSource(id dataSource) {
+        objc::msgSend<void>(this, objc::sel<"setDataSource:">(), dataSource);
+    }
+    id delegate() { return objc::msgSend<id>(this, objc::sel<"delegate">()); }
+    void setDelegate(id delegate) {
+        objc::msgSend<void>(this, objc::sel<"setDelegate:">(), delegate);
+    }
+
+    // Forgets the counts, the cells and the selection; they are asked for
+    // again when next needed.
+    void reloadData() { objc::msgSend<void>(this, objc::sel<"reloadData">()); }
+    // Asks the data source again for the cells of those rows (an array of
+    // NSIndexPath); paths outside the table are ignored.
+    void reloadRowsAtIndexPathsWithRowAnimation(NSArray* indexPaths,
+                                                UITableViewRowAnimation animation) {
+        objc::msgSend<void>(this, objc::sel<"reloadRowsAtIndexPaths:withRowAnimation:">(),
+                            indexPaths, animation);
+    }
+    NSInteger numberOfSections() {
+        return objc::msgSend<NSInteger>(this, objc::sel<"numberOfSections">());
+    }
+    // 0 for a section outside the table.
+    NSInteger numberOfRowsInSection(NSInteger section) {
+        return objc::msgSend<NSInteger>(this, objc::sel<"numberOfRowsInSection:">(), section);
+    }
+    // The row's cell, asking the data source the first time; nil for a path
+    // outside the table.
+    UITableViewCell* cellForRowAtIndexPath(NSIndexPath* indexPath) {
+        return objc::msgSend<UITableViewCell*>(this, objc::sel<"cellForRowAtIndexPath:">(),
+                                               indexPath);
+    }
+    // Autoreleased; nil for a cell the table does not show.
+    NSIndexPath* indexPathForCell(UITableViewCell* cell) {
+        return objc::msgSend<NSIndexPath*>(this, objc::sel<"indexPathForCell:">(), cell);
+    }
+    // Every row's cell, section by section (autoreleased).
+    NSArray* visibleCells() { return objc::msgSend<NSArray*>(this, objc::sel<"visibleCells">()); }
+
+    // Selects the row without telling the delegate (nil clears the
+    // selection); a path outside the table is ignored.
+    void selectRowAtIndexPath(NSIndexPath* indexPath, bool animated,
+                              UITableViewScrollPosition position) {
+        objc::msgSend<void>(this, objc::sel<"selectRowAtIndexPath:animated:scrollPosition:">(),
+                            indexPath, animated, position);
+    }
+    void deselectRowAtIndexPath(NSIndexPath* indexPath, bool animated) {
+        objc::msgSend<void>(this, objc::sel<"deselectRowAtIndexPath:animated:">(), indexPath,
+                            animated);
+    }
+    // Autoreleased; nil when no row is selected.
+    NSIndexPath* indexPathForSelectedRow() {
+        return objc::msgSend<NSIndexPath*>(this, objc::sel<"indexPathForSelectedRow">());
+    }
+
+    // The user taps the row: the delegate may redirect or refuse it
+    // (willSelect), the previous row is deselected (didDeselect), the row
+    // is selected, then the delegate hears didSelect. Answers false when
+    // nothing was selected (a path outside the table, or refused).
+    bool userSelectRowAtIndexPath(NSIndexPath* indexPath) {
+        return objc::msgSend<bool>(this, objc::sel<"_userSelectRowAtIndexPath:">(), indexPath);
+    }
+
+    // The data source's section titles, nil without them (C++ side, for
+    // whoever prints the table).
+    NSString* headerTitleForSection(NSInteger section);
+    NSString* footerTitleForSection(NSInteger section);
+
+    UITableView() = default;
+
+  private:
+    UITableView* imp_initWithFrame(CGRect frame);
+    UITableView* imp_initWithFrameStyle(CGRect frame, UITableViewStyle style);
+    UITableViewStyle imp_style() const { return style_; }
+    id imp_dataSource() const { return dataSource_; }
+    void imp_setDataSource(id dataSource);
+    id imp_delegate() const { return delegate_; }
+    void imp_setDelegate(id delegate) { delegate_ = delegate; }
+    void imp_reloadData();
+    void imp_reloadRowsAtIndexPathsWithRowAnimation(NSArray* indexPaths,
+                                                    UITableViewRowAnimation animation);
+    NSInteger imp_numberOfSections();
+    NSInteger imp_numberOfRowsInSection(NSInteger section);
+    UITableViewCell* imp_cellForRowAtIndexPath(NSIndexPath* indexPath);
+    NSIndexPath* imp_indexPathForCell(UITableViewCell* cell);
+    NSArray* imp_visibleCells();
+    void imp_selectRowAtIndexPath(NSIndexPath* indexPath, bool animated,
+                                  UITableViewScrollPosition position);
+    void imp_deselectRowAtIndexPath(NSIndexPath* indexPath, bool animated);
+    NSIndexPath* imp_indexPathForSelectedRow() const;
+    bool imp_userSelectRowAtIndexPath(NSIndexPath* indexPath);
+
+    struct Row {
+        NSInteger section;
+        NSInteger row;
+    };
+    // The counts from the data source, asked once per reload.
+    void loadCounts();
+    // The path as (section, row) when it lies inside the table.
+    std::optional<Row> rowOf(NSIndexPath* indexPath);
+    UITableViewCell* loadCell(Row row);
+    void markSelected(std::optional<Row> row);
+
+    UITableViewStyle style_ = UITableViewStylePlain;
+    id dataSource_ = nullptr;  // not retained
+    id delegate_ = nullptr;    // not retained
+    bool loaded_ = false;
+    // One list per section; a null entry is a row whose cell is not asked yet.
+    std::vector<std::vector<objc::Strong<UITableViewCell>>> cells_;
+    std::optional<Row> selected_;
+};

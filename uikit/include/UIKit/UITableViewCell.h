@@ -1,0 +1,136 @@
+// One row of a table view: a content view holding the title label, the
+// detail label (not for the default style) and the image view, plus an
+// accessory (a standard mark or a view of the caller's, such as a switch).
+//
+// The accessory view is a subview of the cell, so viewWithTag: finds it.
+#pragma once
+
+#include <UIKit/UIImageView.h>
+#include <UIKit/UILabel.h>
+#include <UIKit/UIView.h>
+
+#include <objc/string.h>
+
+using UITableViewCellStyle = NSInteger;
+inline constexpr UITableViewCellStyle UITableViewCellStyleDefault = 0;
+inline constexpr UITableViewCellStyle UITableViewCellStyleValue1 = 1;
+inline constexpr UITableViewCellStyle UITableViewCellStyleValue2 = 2;
+inline constexpr UITableViewCellStyle UITableViewCellStyleSubtitle = 3;
+
+using UITableViewCellAccessoryType = NSInteger;
+inline constexpr UITableViewCellAccessoryType UITableViewCellAccessoryNone = 0;
+inline constexpr UITableViewCellAccessoryType UITableViewCellAccessoryDisclosureIndicator = 1;
+inline constexpr UITableViewCellAccessoryType UITableViewCellAccessoryDetailDisclosureButton = 2;
+inline constexpr UITableViewCellAccessoryType UITableViewCellAccessoryCheckmark = 3;
+inline constexpr UITableViewCellAccessoryType UITableViewCellAccessoryDetailButton = 4;
+
+using UITableViewCellSelectionStyle = NSInteger;
+inline constexpr UITableViewCellSelectionStyle UITableViewCellSelectionStyleNone = 0;
+inline constexpr UITableViewCellSelectionStyle UITableViewCellSelectionStyleBlue = 1;
+inline constexpr UITableViewCellSelectionStyle UITableViewCellSelectionStyleGray = 2;
+inline constexpr UITableViewCellSelectionStyle UITableViewCellSelectionStyleDefault = 3;
+
+class UITableViewCell : public UIView {
+    OBJC_CLASS(UITableViewCell)
+
+    static objc::Strong<UITableViewCell> create(UITableViewCellStyle style,
+                                                NSString* reuseIdentifier = nullptr) {
+        return objc::adopt(
+            objc::alloc<UITableViewCell>()->initWithStyleReuseIdentifier(style, reuseIdentifier));
+    }
+
+    // An unknown style is taken as the default style.
+    UITableViewCell* initWithStyleReuseIdentifier(UITableViewCellStyle style,
+                                                  NSString* reuseIdentifier) {
+        return objc::msgSend<UITableViewCell*>(this, objc::sel<"initWithStyle:reuseIdentifier:">(),
+                                               style, reuseIdentifier);
+    }
+
+    UITableViewCellStyle style() {
+        return objc::msgSend<UITableViewCellStyle>(this, objc::sel<"style">());
+    }
+    NSString* reuseIdentifier() {
+        return objc::msgSend<NSString*>(this, objc::sel<"reuseIdentifier">());
+    }
+    UIView* contentView() { return objc::msgSend<UIView*>(this, objc::sel<"contentView">()); }
+    UILabel* textLabel() { return objc::msgSend<UILabel*>(this, objc::sel<"textLabel">()); }
+    // nil for the default style, which has no detail text.
+    UILabel* detailTextLabel() {
+        return objc::msgSend<UILabel*>(this, objc::sel<"detailTextLabel">());
+    }
+    UIImageView* imageView() { return objc::msgSend<UIImageView*>(this, objc::sel<"imageView">()); }
+
+    UITableViewCellAccessoryType accessoryType() {
+        return objc::msgSend<UITableViewCellAccessoryType>(this, objc::sel<"accessoryType">());
+    }
+    void setAccessoryType(UITableViewCellAccessoryType type) {
+        objc::msgSend<void>(this, objc::sel<"setAccessoryType:">(), type);
+    }
+    // Retained, and shown instead of the accessory type's mark while set.
+    UIView* accessoryView() { return objc::msgSend<UIView*>(this, objc::sel<"accessoryView">()); }
+    void setAccessoryView(UIView* view) {
+        objc::msgSend<void>(this, objc::sel<"setAccessoryView:">(), view);
+    }
+
+    // Default on iOS 7 and later, blue before (from the device profile).
+    UITableViewCellSelectionStyle selectionStyle() {
+        return objc::msgSend<UITableViewCellSelectionStyle>(this, objc::sel<"selectionStyle">());
+    }
+    void setSelectionStyle(UITableViewCellSelectionStyle style) {
+        objc::msgSend<void>(this, objc::sel<"setSelectionStyle:">(), style);
+    }
+
+    bool isSelected() { return objc::msgSend<bool>(this, objc::sel<"isSelected">()); }
+    void setSelected(bool selected) {
+        objc::msgSend<void>(this, objc::sel<"setSelected:">(), selected);
+    }
+    void setSelectedAnimated(bool selected, bool animated) {
+        objc::msgSend<void>(this, objc::sel<"setSelected:animated:">(), selected, animated);
+    }
+    bool isHighlighted() { return objc::msgSend<bool>(this, objc::sel<"isHighlighted">()); }
+    void setHighlighted(bool highlighted) {
+        objc::msgSend<void>(this, objc::sel<"setHighlighted:">(), highlighted);
+    }
+    void setHighlightedAnimated(bool highlighted, bool animated) {
+        objc::msgSend<void>(this, objc::sel<"setHighlighted:animated:">(), highlighted, animated);
+    }
+
+    UITableViewCell() = default;
+
+  private:
+    UITableViewCell* imp_initWithFrame(CGRect frame);
+    UITableViewCell* imp_initWithStyleReuseIdentifier(UITableViewCellStyle style,
+                                                      NSString* reuseIdentifier);
+    UITableViewCellStyle imp_style() const { return style_; }
+    NSString* imp_reuseIdentifier() const { return reuseIdentifier_.get(); }
+    UIView* imp_contentView() const { return contentView_.get(); }
+    UILabel* imp_textLabel() const { return textLabel_.get(); }
+    UILabel* imp_detailTextLabel() const { return detailTextLabel_.get(); }
+    UIImageView* imp_imageView() const { return imageView_.get(); }
+    UITableViewCellAccessoryType imp_accessoryType() const { return accessoryType_; }
+    void imp_setAccessoryType(UITableViewCellAccessoryType type) { accessoryType_ = type; }
+    UIView* imp_accessoryView() const { return accessoryView_.get(); }
+    void imp_setAccessoryView(UIView* view);
+    UITableViewCellSelectionStyle imp_selectionStyle() const { return selectionStyle_; }
+    void imp_setSelectionStyle(UITableViewCellSelectionStyle style) { selectionStyle_ = style; }
+    bool imp_isSelected() const { return selected_; }
+    void imp_setSelected(bool selected);
+    void imp_setSelectedAnimated(bool selected, bool animated);
+    bool imp_isHighlighted() const { return highlighted_; }
+    void imp_setHighlighted(bool highlighted);
+    void imp_setHighlightedAnimated(bool highlighted, bool animated);
+    // Builds the subviews once, for whichever initializer runs.
+    void build(UITableViewCellStyle style, NSString* reuseIdentifier);
+
+    UITableViewCellStyle style_ = UITableViewCellStyleDefault;
+    objc::Strong<NSString> reuseIdentifier_;
+    objc::Strong<UIView> contentView_;
+    objc::Strong<UILabel> textLabel_;
+    objc::Strong<UILabel> detailTextLabel_;
+    objc::Strong<UIImageView> imageView_;
+    UITableViewCellAccessoryType accessoryType_ = UITableViewCellAccessoryNone;
+    objc::Strong<UIView> accessoryView_;
+    UITableViewCellSelectionStyle selectionStyle_ = UITableViewCellSelectionStyleDefault;
+    bool selected_ = false;
+    bool highlighted_ = false;
+};
