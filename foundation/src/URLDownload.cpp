@@ -3,6 +3,7 @@
 #include <Foundation/NSURL.h>
 
 #include <curl/curl.h>
+#include <openssl/crypto.h>
 
 #include <cctype>
 #include <memory>
@@ -46,6 +47,17 @@ bool isWebURL(const std::string& url) {
     return scheme == "http" || scheme == "https";
 }
 
+// libcurl's TLS is OpenSSL's, which keeps per-thread state (its error queue)
+// that it frees only when the thread ends. Transfers run on the worker
+// threads of the global queues, which never end, so each transfer lets that
+// state go itself instead of leaving one block per worker behind.
+struct ThreadStateRelease {
+    ThreadStateRelease() = default;
+    ThreadStateRelease(const ThreadStateRelease&) = delete;
+    ThreadStateRelease& operator=(const ThreadStateRelease&) = delete;
+    ~ThreadStateRelease() { OPENSSL_thread_stop(); }
+};
+
 struct EasyDeleter {
     void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
 };
@@ -55,6 +67,8 @@ struct EasyDeleter {
 std::optional<Bytes> foundation::downloadURL(const std::string& url, const DownloadLimits& limits) {
     if (!isWebURL(url)) return std::nullopt;
     initialiseCurl();
+    // Declared first, so that it runs after the handle's own clean-up.
+    const ThreadStateRelease threadState;
     const std::unique_ptr<CURL, EasyDeleter> handle(curl_easy_init());
     if (!handle) return std::nullopt;
     CURL* const curl = handle.get();
