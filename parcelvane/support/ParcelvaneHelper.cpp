@@ -42,7 +42,16 @@ void ParcelvaneHelper::objcDefine(objc::ClassBuilder<ParcelvaneHelper>& b) {
         .classMethod<&ParcelvaneHelper::imp_isIOS60_OrGreater_was>("isIOS60_OrGreater_was:")
         .classMethod<&ParcelvaneHelper::imp_mainParcelvaneWindow>("mainParcelvaneWindow")
         .classMethod<&ParcelvaneHelper::imp_mainParcelvaneViewController>(
-            "mainParcelvaneViewController");
+            "mainParcelvaneViewController")
+        .classMethod<&ParcelvaneHelper::imp_calculateFileSizeInUnit>("calculateFileSizeInUnit:")
+        .classMethod<&ParcelvaneHelper::imp_calculateUnit>("calculateUnit:")
+        .classMethod<&ParcelvaneHelper::imp_floatToString>("floatToString:")
+        .classMethod<&ParcelvaneHelper::imp_abbreviateNumber>("abbreviateNumber:")
+        .classMethod<&ParcelvaneHelper::imp_translate>("translateToAR:toEN:toFR:")
+        .classMethod<&ParcelvaneHelper::imp_showFilePicker>(
+            "showFilePickerFromViewController:target:")
+        .classMethod<&ParcelvaneHelper::imp_showAlertViewForExt>(
+            "showAlertViewForExtFromViewController:WithTitle:msg:");
 }
 
 NSString* ParcelvaneHelper::imp_preferencesPath(Class) {

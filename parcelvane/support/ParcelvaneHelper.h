@@ -1,5 +1,8 @@
-// The library's helper queries, as class methods of ParcelvaneHelper (the
-// class has no instances). Every query asks the platform afresh; none caches.
+// The library's helpers, as class methods of ParcelvaneHelper (the class has
+// no instances): device and version queries (every query asks the platform
+// afresh; none caches), size and number texts, the choice among the
+// library's three translations, and the presentation of a file browser or an
+// alert.
 #pragma once
 
 #include <objc/geometry.h>
@@ -72,6 +75,49 @@ class ParcelvaneHelper : public NSObject {
         return objc::msgSend<id>(objcClass(), objc::sel<"mainParcelvaneViewController">());
     }
 
+    // ---- Formatting ----
+    // A byte count in its display unit: bytes below 1024, then KB, MB and GB
+    // in powers of 1024, in single precision and unrounded.
+    static float calculateFileSizeInUnit(unsigned long long bytes) {
+        return objc::msgSend<float>(objcClass(), objc::sel<"calculateFileSizeInUnit:">(), bytes);
+    }
+    // "Bytes", "KB", "MB" or "GB", by the same bands.
+    static NSString* calculateUnit(unsigned long long bytes) {
+        return objc::msgSend<NSString*>(objcClass(), objc::sel<"calculateUnit:">(), bytes);
+    }
+    // One decimal, with trailing zeros (and a bare point) dropped: 2.0 -> "2".
+    static NSString* floatToString(float value) {
+        return objc::msgSend<NSString*>(objcClass(), objc::sel<"floatToString:">(), value);
+    }
+    // 1234 -> "1.2K", 1500000 -> "1.5M"; numbers below 1000 as they are
+    // (after a round trip through float).
+    static NSString* abbreviateNumber(int number) {
+        return objc::msgSend<NSString*>(objcClass(), objc::sel<"abbreviateNumber:">(), number);
+    }
+
+    // ---- Localisation ----
+    // The text for the main bundle's first preferred localisation: "ar" the
+    // Arabic one (the English one when there is none), "fr" the French one
+    // when there is one, anything else the English one.
+    static NSString* translate(NSString* arabic, NSString* english, NSString* french) {
+        return objc::msgSend<NSString*>(objcClass(), objc::sel<"translateToAR:toEN:toFR:">(),
+                                        arabic, english, french);
+    }
+
+    // ---- Presentation ----
+    // Presents, from the controller, a file browser at "/" with the target
+    // as its delegate, in a navigation controller shown as a form sheet.
+    static void showFilePicker(id presenter, id target) {
+        objc::msgSend<void>(objcClass(), objc::sel<"showFilePickerFromViewController:target:">(),
+                            presenter, target);
+    }
+    // Shows an alert with an "OK" button only; the controller is its delegate.
+    static void showAlertViewForExt(id controller, NSString* title, NSString* message) {
+        objc::msgSend<void>(objcClass(),
+                            objc::sel<"showAlertViewForExtFromViewController:WithTitle:msg:">(),
+                            controller, title, message);
+    }
+
   private:
     template <objc::detail::SelectorName Name>
     static bool ask() {
@@ -114,4 +160,17 @@ class ParcelvaneHelper : public NSObject {
     static bool imp_isIOS60_OrGreater_was(Class cls, NSString* text);
     static id imp_mainParcelvaneWindow(Class cls);
     static id imp_mainParcelvaneViewController(Class cls);
+
+    // ParcelvaneHelper+Formatting.cpp
+    static float imp_calculateFileSizeInUnit(Class cls, unsigned long long bytes);
+    static NSString* imp_calculateUnit(Class cls, unsigned long long bytes);
+    static NSString* imp_floatToString(Class cls, float value);
+    static NSString* imp_abbreviateNumber(Class cls, int number);
+    // ParcelvaneHelper+Localization.cpp
+    static NSString* imp_translate(Class cls, NSString* arabic, NSString* english,
+                                   NSString* french);
+    // ParcelvaneHelper+Presentation.cpp
+    static void imp_showFilePicker(Class cls, id presenter, id target);
+    static void imp_showAlertViewForExt(Class cls, id controller, NSString* title,
+                                        NSString* message);
 };

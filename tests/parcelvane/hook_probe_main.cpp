@@ -6,8 +6,10 @@
 #include "hook_probe_toolkit.h"
 
 #include <Foundation/NSArray.h>
+#include <Foundation/NSRunLoop.h>
 
 #include <dlfcn.h>
+#include <stdlib.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -149,6 +151,7 @@ Host defineInheritingHost(bool withChat, bool withActionSheet) {
         defineClass<kBase>("ProbeStaticTableBase", NSObject::objcClass(),
                            {"addSectionAtTop", "setupTableView", "_didToggleEnableDisable:"});
     const Class table = defineClass<kOwn>(kStatic, host.staticBase);
+    giveSections(table);
     defineClass<kOwn>(kSettings, table);
     return host;
 }
@@ -195,6 +198,7 @@ void own() {
                        "documentPicker:didPickDocumentAtURL:", "showActionSheet:",
                        "documentMenu:didPickDocumentPicker:", "chatBarManagerWantsToAttachMedia:"});
     const Class table = defineClass<kBase>(kStatic, NSObject::objcClass(), {"setupTableView"});
+    giveSections(table);
     defineClass<kOwn>(kSettings, table, {"setupTableView"});
     loadLibrary();
 
@@ -247,6 +251,7 @@ void addedExists() {
     const Class tableBase =
         defineClass<kBase>("ProbeStaticTableBase", NSObject::objcClass(), {"setupTableView"});
     const Class table = defineClass<kOwn>(kStatic, tableBase, {"addSectionAtTop"});
+    giveSections(table);
     defineClass<kOwn>(kSettings, table, {"_didToggleEnableDisable:"});
     loadLibrary();
 
@@ -331,8 +336,15 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: hook_probe <scenario>\n");
         return 2;
     }
+    // The Settings section's icon download must fail at once, off the network.
+    ::setenv("http_proxy", "http://127.0.0.1:9", 1);
+    ::unsetenv("no_proxy");
+    ::unsetenv("NO_PROXY");
     const objc::AutoreleasePool pool;
+    defineTableParts();
     it->second();
+    // Background work the hooks started ends before the process does.
+    foundation::runMainLoopUntilIdle(true);
     std::printf("passed: %s\n", argv[1]);
     return 0;
 }

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 #include <map>
 
 namespace probe {
@@ -65,6 +66,49 @@ id documentPickerStandIn() {
                     reinterpret_cast<IMP>(&ignoreStyle), "v24@0:8q16");
     objc_registerClassPair(cls);
     return objc::msgSend<id>(objc::msgSend<id>(cls, objc::sel<"alloc">()), objc::sel<"init">());
+}
+
+namespace {
+void ignoreObject(id, SEL, id) {}
+
+NSMutableArray* sectionList(id, SEL) {
+    // One placeholder: the library inserts below the host's first section.
+    static const objc::Strong<NSMutableArray> list = [] {
+        auto made = NSMutableArray::create();
+        made->addObject(NSSTR("the host's first section"));
+        return made;
+    }();
+    return list.get();
+}
+
+Class definePart(const char* name, std::initializer_list<const char*> setters) {
+    const Class cls = objc_allocateClassPair(NSObject::objcClass(), name, 0);
+    if (cls == nullptr) fail(std::string("could not define ") + name);
+    for (const char* setter : setters) {
+        class_addMethod(cls, sel_registerName(setter), reinterpret_cast<IMP>(&ignoreObject),
+                        "v24@0:8@16");
+    }
+    objc_registerClassPair(cls);
+    return cls;
+}
+}  // namespace
+
+void defineTableParts() {
+    definePart("WATableSection", {"setHeaderText:", "setFooterText:", "addRow:"});
+    definePart("WATableRow", {"setHandler:", "setCell:"});
+}
+
+void giveSections(Class table) {
+    class_addMethod(table, sel_registerName("_sections"), reinterpret_cast<IMP>(&sectionList),
+                    "@16@0:8");
+}
+
+id sectionStandIn() {
+    static const objc::Strong<objc_object> section = [] {
+        const id fresh = objc::msgSend<id>(classNamed("WATableSection"), objc::sel<"alloc">());
+        return objc::adopt(objc::msgSend<id>(fresh, objc::sel<"init">()));
+    }();
+    return section.get();
 }
 
 const Arguments& arguments() {
@@ -132,6 +176,8 @@ void expectPassedOn(Class receiverClass, const std::string& selector, const char
     const id receiver = instance.get();
     calls.clear();
     const id result = send(receiver, selector);
+    const SEL sent = sel_registerName(selector.c_str());
+    std::erase_if(calls, [sent](const Call& c) { return c.sel != sent; });
     check(calls.size() == 1,
           what + ": one implementation ran (" + std::to_string(calls.size()) + ")");
     const Call& c = calls.front();

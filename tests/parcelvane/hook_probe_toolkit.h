@@ -56,10 +56,19 @@ id initWithTypesInMode(id self, SEL sel, id types, NSUInteger mode) {
     calls.push_back({Owner, self, sel, types, nullptr, mode});
     return resultOf(Owner);
 }
+// The host's static-table parts that the library's Settings section sends
+// to once its set-up has passed the call on: classes named "WATableSection"
+// and "WATableRow" that take the messages a section and a row get, and a
+// `_sections` list (read by key) for a table class. Defined before loading.
+void defineTableParts();
+void giveSections(Class table);
+// A section, as addSectionAtTop answers one.
+id sectionStandIn();
+
 template <const char* Owner>
 id objectResult(id self, SEL sel) {
     calls.push_back({Owner, self, sel, nullptr, nullptr, 0});
-    return resultOf(Owner);
+    return sectionStandIn();
 }
 
 enum class Shape { NoArguments, OneObject, TwoObjects, TypesAndMode, ObjectResult };
@@ -130,8 +139,8 @@ Class classNamed(const char* name);
 objc::Strong<objc_object> instanceOf(Class cls);
 
 // Sends the message to a fresh instance of `receiverClass` and checks that
-// exactly one stand-in ran, the expected one, with the same receiver,
-// selector and arguments, and that an initialiser's result came back.
+// exactly one stand-in of that selector ran (a replacement may send others), the expected one, with
+// the same receiver, selector and arguments, and that an initialiser's result came back.
 void expectPassedOn(Class receiverClass, const std::string& selector, const char* owner,
                     const std::string& what);
 

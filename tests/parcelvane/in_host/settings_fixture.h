@@ -1,0 +1,105 @@
+// The host's Settings screen with the library loaded: a fresh container
+// (which is also the main bundle, with Arabic, English and French
+// localisations), a chosen system version and language, and the screen at
+// the root of a navigation controller.
+#pragma once
+
+#include "parcelvane/in_host/library_loader.h"
+
+#include <Host/WASettingsViewController.h>
+#include <Host/WATableRow.h>
+#include <Host/WATableSection.h>
+
+#include <Foundation/NSArray.h>
+#include <Foundation/NSRunLoop.h>
+#include <Foundation/NSUserDefaults.h>
+#include <Foundation/ProcessEnvironment.h>
+#include <UIKit/DeviceProfile.h>
+#include <UIKit/UINavigationController.h>
+#include <UIKit/UISwitch.h>
+#include <UIKit/UITableViewCell.h>
+
+#include <objc/strong.h>
+
+#include <gtest/gtest.h>
+
+#include <stdlib.h>
+
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace in_host {
+
+inline std::string text(NSString* s) {
+    return s != nullptr ? s->utf8() : "(nil)";
+}
+
+class SettingsScreenTest : public ::testing::Test {
+  protected:
+    SettingsScreenTest() {
+        std::string pattern = "/tmp/pv-settings-XXXXXX";
+        if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
+        folder_ = pattern;
+        for (const char* name : {"ar", "en", "fr"}) {
+            std::filesystem::create_directory(folder_ + "/" + name + ".lproj");
+        }
+        speak({"en"});
+    }
+
+    ~SettingsScreenTest() override {
+        // Background downloads hand their result to the main queue: let
+        // them finish before the screen goes.
+        foundation::runMainLoopUntilIdle(true);
+        // The rows' handlers hold the screen; the host lets the rows go when
+        // the screen leaves, which this stands for.
+        if (settings) settings->sectionsArray()->removeAllObjects();
+        navigation.reset();
+        settings.reset();
+        ::setenv("http_proxy", refusingProxy().c_str(), 1);
+        uikit::configureDevice(uikit::DeviceProfile::defaultProfile());
+        NSUserDefaults::resetStandardUserDefaults();
+        foundation::configureProcess({});
+        std::error_code ignored;
+        std::filesystem::remove_all(folder_, ignored);
+    }
+
+    // The user's languages; the container doubles as the main bundle.
+    void speak(const std::vector<std::string>& languages) {
+        foundation::configureProcess({folder_, folder_, languages});
+        NSUserDefaults::resetStandardUserDefaults();
+    }
+
+    // Shows the Settings screen (its view loads, which builds the table) on
+    // a device with the system version.
+    void open(const std::string& systemVersion) {
+        auto profile = uikit::DeviceProfile::defaultProfile();
+        profile.systemVersion = systemVersion;
+        uikit::configureDevice(profile);
+        settings = WASettingsViewController::create();
+        navigation = UINavigationController::create(settings.get());
+        settings->view();
+    }
+
+    std::vector<WATableSection*> sections() const { return settings->sectionList(); }
+    WATableSection* librarySection() const { return sections().at(1); }
+    WATableRow* libraryRow(std::size_t index) const {
+        return librarySection()->rowList().at(index).get();
+    }
+    UITableViewCell* cellAt(std::size_t index) const {
+        return objc::cast<UITableViewCell>(libraryRow(index)->cell());
+    }
+    std::string titleAt(std::size_t index) const {
+        return text(cellAt(index)->textLabel()->text());
+    }
+
+    objc::AutoreleasePool pool;
+    objc::Strong<WASettingsViewController> settings;
+    objc::Strong<UINavigationController> navigation;
+
+  private:
+    std::string folder_;
+};
+
+}  // namespace in_host
