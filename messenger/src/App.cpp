@@ -2,6 +2,8 @@
 
 #include <Foundation/NSRunLoop.h>
 
+#include <TolbrennDevTools/ParcelvaneFileBrowserViewController.h>
+
 #include <algorithm>
 #include <cctype>
 
@@ -49,7 +51,18 @@ App::~App() {
 }
 
 UIViewController* App::topController() {
-    return navigation_->visibleViewController();
+    UIViewController* top = navigation_->visibleViewController();
+    // A presented navigation controller (the file browser's) shows its own top.
+    while (auto* nested = objc::cast<UINavigationController>(top)) {
+        UIViewController* inner = nested->visibleViewController();
+        if (nested == navigation_.get() || inner == nullptr || inner == top) break;
+        top = inner;
+    }
+    return top;
+}
+
+WAChatSessionViewController* App::openChatScreen() {
+    return objc::cast<WAChatSessionViewController>(navigation_->topViewController());
 }
 
 App::Front App::front() {
@@ -65,6 +78,14 @@ App::Front App::front() {
         return {Front::Kind::Popover, popover};
     }
     return {Front::Kind::Screen, topController()};
+}
+
+id App::frontContent() {
+    const Front shown = front();
+    if (shown.kind == Front::Kind::Popover) {
+        return static_cast<UIPopoverController*>(shown.object)->contentViewController();
+    }
+    return shown.object;
 }
 
 void App::dismissPresented() {
@@ -131,9 +152,20 @@ std::string App::back() {
             break;
         case Front::Kind::Screen: {
             auto* top = static_cast<UIViewController*>(shown.object);
-            if (top != nullptr && top->presentingViewController() != nullptr) {
+            if (auto* browser = objc::cast<ParcelvaneFileBrowserViewController>(top)) {
+                // Up a folder; at the top the browser is given up, through its
+                // cancel block as the user's cancel button would.
+                if (browser->goUp()) {
+                    what = "Went up to " + browser->currentPath() + ".";
+                } else {
+                    browser->cancel();
+                    what = "Closed the file browser.";
+                }
+            } else if (top != nullptr && top->presentingViewController() != nullptr) {
                 if (auto* menu = objc::cast<UIDocumentMenuViewController>(top)) {
                     menu->cancel();
+                } else if (auto* picker = objc::cast<UIDocumentPickerViewController>(top)) {
+                    picker->cancel();
                 } else {
                     top->dismissViewControllerAnimated(true, nullptr);
                 }

@@ -31,8 +31,15 @@ class App {
         id object = nullptr;
     };
     Front front();
-    // The controller at the top of the navigation stack and what it presents.
+    // What the user acts on in front: a popover's content in place of the
+    // popover, else front().object.
+    id frontContent();
+    // The controller at the top of the navigation stack and what it presents
+    // (inside a presented navigation controller, its top controller).
     UIViewController* topController();
+    // The chat at the top of the navigation stack, whatever it presents; null
+    // when the top screen is no chat.
+    WAChatSessionViewController* openChatScreen();
 
     // Closes whatever is presented and returns to the chats list.
     void showChats();

@@ -4,6 +4,7 @@
 
 #include <objc/exception.h>
 
+#include <fstream>
 #include <string>
 
 namespace messenger {
@@ -17,6 +18,49 @@ std::string trim(const std::string& text) {
     return text.substr(first, last - first + 1);
 }
 
+struct Outcome {
+    bool skipped = false;  // blank or a comment
+    bool quit = false;
+    bool showScreen = false;
+    std::string failure;  // empty: it went well
+};
+
+// Runs one line; the main loop is drained before it returns.
+Outcome execute(App& app, const CommandTable& commands, const ScreenRenderers& renderers,
+                const std::string& text, std::ostream& out, bool echo) {
+    const std::string line = trim(text);
+    Outcome outcome;
+    if (line.empty() || line.front() == '#') {
+        outcome.skipped = true;
+        return outcome;
+    }
+    if (echo) out << "> " << line << "\n";
+    const auto space = line.find(' ');
+    const std::string name = line.substr(0, space);
+    const std::string argument = space == std::string::npos ? "" : trim(line.substr(space));
+
+    const Command* command = commands.find(name);
+    if (command == nullptr) {
+        const std::string why = "Unknown command '" + name + "' (type 'help' for the list).";
+        out << why << "\n" << std::flush;
+        outcome.failure = why;
+        return outcome;
+    }
+    CommandContext context{app, commands, renderers, out, false, true, {}};
+    try {
+        objc::AutoreleasePool pool;
+        command->run(context, argument);
+        foundation::runMainLoopUntilIdle();
+    } catch (const objc::Exception& e) {
+        // On the device this would end the app; here the user may go on.
+        context.fail("*** " + e.name() + ": " + e.reason());
+    }
+    outcome.quit = context.quit;
+    outcome.showScreen = context.showScreen;
+    outcome.failure = context.failure;
+    return outcome;
+}
+
 }  // namespace
 
 int runCommandLoop(App& app, const CommandTable& commands, const ScreenRenderers& renderers,
@@ -26,28 +70,43 @@ int runCommandLoop(App& app, const CommandTable& commands, const ScreenRenderers
     while (true) {
         if (prompt) out << "> " << std::flush;
         if (!std::getline(in, line)) break;
-        line = trim(line);
-        if (line.empty() || line.front() == '#') continue;
-        const auto space = line.find(' ');
-        const std::string name = line.substr(0, space);
-        const std::string argument = space == std::string::npos ? "" : trim(line.substr(space));
+        const Outcome outcome = execute(app, commands, renderers, line, out, false);
+        if (outcome.quit) break;
+        if (outcome.showScreen) out << renderFront(app, renderers);
+        out << std::flush;
+    }
+    return 0;
+}
 
-        const Command* command = commands.find(name);
-        if (command == nullptr) {
-            out << "Unknown command '" << name << "' (type 'help' for the list).\n" << std::flush;
-            continue;
+bool readScript(const std::string& path, std::vector<std::string>& lines, std::string& error) {
+    std::ifstream in(path);
+    if (!in) {
+        error = "cannot read the script " + path;
+        return false;
+    }
+    for (std::string line; std::getline(in, line);) lines.push_back(line);
+    if (in.bad()) {
+        error = "cannot read the script " + path;
+        return false;
+    }
+    return true;
+}
+
+int runScript(App& app, const CommandTable& commands, const ScreenRenderers& renderers,
+              const std::string& name, const std::vector<std::string>& lines, std::ostream& out,
+              std::ostream& err) {
+    out << renderFront(app, renderers) << std::flush;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        const Outcome outcome = execute(app, commands, renderers, lines[i], out, true);
+        if (outcome.skipped) continue;
+        if (!outcome.failure.empty()) {
+            out << std::flush;
+            err << name << ":" << i + 1 << ": " << outcome.failure << "\n"
+                << renderFront(app, renderers) << std::flush;
+            return 1;
         }
-        CommandContext context{app, commands, renderers, out};
-        try {
-            objc::AutoreleasePool pool;
-            command->run(context, argument);
-            foundation::runMainLoopUntilIdle();
-        } catch (const objc::Exception& e) {
-            // On the device this would end the app; here the user may go on.
-            out << "*** " << e.name() << ": " << e.reason() << "\n";
-        }
-        if (context.quit) break;
-        if (context.showScreen) out << renderFront(app, renderers);
+        if (outcome.quit) break;
+        if (outcome.showScreen) out << renderFront(app, renderers);
         out << std::flush;
     }
     return 0;

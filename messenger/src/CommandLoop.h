@@ -1,5 +1,5 @@
-// Reads commands from a stream and runs them against the app, printing the
-// screen in front after each one.
+// Reads commands from a stream or a script file and runs them against the
+// app, printing the screen in front after each one.
 #pragma once
 
 #include "App.h"
@@ -7,6 +7,8 @@
 
 #include <istream>
 #include <ostream>
+#include <string>
+#include <vector>
 
 namespace messenger {
 
@@ -16,5 +18,19 @@ namespace messenger {
 // screen is shown.
 int runCommandLoop(App& app, const CommandTable& commands, const ScreenRenderers& renderers,
                    std::istream& in, std::ostream& out, bool prompt);
+
+// A script's lines, read whole before the app starts; false (and `error`)
+// when the file cannot be read.
+bool readScript(const std::string& path, std::vector<std::string>& lines, std::string& error);
+
+// Runs a script's lines as the terminal would, echoing each command ("> ...")
+// before its output; blank lines and "#" comments are skipped. The first
+// command that fails (an unmet expectation, an unknown command, a command
+// that cannot do what it says, an exception) is reported to `err` as
+// "FILE:LINE: why" with the screen in front, and the status is 1; else 0
+// once the script ends or quits.
+int runScript(App& app, const CommandTable& commands, const ScreenRenderers& renderers,
+              const std::string& name, const std::vector<std::string>& lines, std::ostream& out,
+              std::ostream& err);
 
 }  // namespace messenger

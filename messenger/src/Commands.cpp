@@ -1,6 +1,7 @@
 #include "Commands.h"
 
 #include "DefaultsValue.h"
+#include "TableScreens.h"
 
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSUserDefaults.h>
@@ -40,15 +41,20 @@ std::string renderFront(App& app, const ScreenRenderers& renderers) {
     return formatScreen(*text);
 }
 
-namespace {
-
-void help(CommandContext& context, const CommandTable& table) {
-    context.out << "Commands:\n";
+std::string commandHelp(const CommandTable& table) {
+    std::string text = "Commands:\n";
     for (const Command& c : table.commands()) {
         std::string usage = c.name + (c.arguments.empty() ? "" : " " + c.arguments);
         usage.resize(std::max<std::size_t>(usage.size() + 2, 18), ' ');
-        context.out << "  " << usage << c.summary << "\n";
+        text += "  " + usage + c.summary + "\n";
     }
+    return text;
+}
+
+namespace {
+
+void help(CommandContext& context, const CommandTable& table) {
+    context.out << commandHelp(table);
     context.showScreen = false;
 }
 
@@ -70,8 +76,7 @@ void listDefaults(CommandContext& context) {
 void setDefault(CommandContext& context, const std::string& argument) {
     const auto space = argument.find(' ');
     if (argument.empty() || space == std::string::npos) {
-        context.out << "usage: set KEY VALUE\n";
-        context.showScreen = false;
+        context.fail("usage: set KEY VALUE");
         return;
     }
     objc::AutoreleasePool pool;
@@ -97,10 +102,9 @@ CommandTable standardCommands() {
     table.add(
         {"chat", "NAME", "open the chat with NAME", [](CommandContext& c, const std::string& name) {
              if (name.empty() || c.app.openChat(name) == nullptr) {
-                 c.out << "No chat named '" << name << "'. Chats:";
-                 for (const std::string& n : c.app.store().chatNames()) c.out << " " << n;
-                 c.out << "\n";
-                 c.showScreen = false;
+                 std::string why = "No chat named '" + name + "'. Chats:";
+                 for (const std::string& n : c.app.store().chatNames()) why += " " + n;
+                 c.fail(std::move(why));
              }
          }});
     table.add({"settings", "", "open the Settings screen",
@@ -113,6 +117,9 @@ CommandTable standardCommands() {
                "write a user default (true/false, an integer, a real or text; \"...\" for "
                "text as is)",
                [](CommandContext& c, const std::string& argument) { setDefault(c, argument); }});
+    addChatCommands(table);
+    addTableCommands(table);
+    addScriptCommands(table);
     table.add({"quit", "", "leave the app", [](CommandContext& c, const std::string&) {
                    c.quit = true;
                    c.showScreen = false;

@@ -23,6 +23,16 @@ struct CommandContext {
     std::ostream& out;
     bool quit = false;
     bool showScreen = true;  // print the screen after the command
+    // Set by fail(): the command could not do what it was asked. A session
+    // at the terminal goes on; a script stops there.
+    std::string failure;
+
+    // Says why on the output and marks the command failed (no screen follows).
+    void fail(std::string why) {
+        out << why << "\n";
+        failure = std::move(why);
+        showScreen = false;
+    }
 };
 
 struct Command {
@@ -44,7 +54,15 @@ class CommandTable {
     std::vector<Command> commands_;
 };
 
+// Every command: the basic ones, the chat's and the scripts' checks.
 CommandTable standardCommands();
+// The chat flows: attach, share, choose, up, open, cancel.
+void addChatCommands(CommandTable& table);
+// The checks a script makes: expect, expect-not, wait.
+void addScriptCommands(CommandTable& table);
+
+// "Commands:" and one line per command: its usage and summary.
+std::string commandHelp(const CommandTable& table);
 
 // The text of what is in front (screen, alert, menu or popover).
 std::string renderFront(App& app, const ScreenRenderers& renderers);

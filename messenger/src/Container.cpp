@@ -1,5 +1,7 @@
 #include "Container.h"
 
+#include <UIKit/DocumentProvider.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
@@ -27,6 +29,16 @@ std::string createContainer(const std::string& home) {
     for (const fs::path sub : {"Documents", "Library/Preferences", "Library/Caches", "tmp"}) {
         fs::create_directories(root / sub, error);
         if (error) return (root / sub).string() + ": " + error.message();
+    }
+    return {};
+}
+
+std::string createDocumentProviderFolders() {
+    for (const uikit::DocumentProvider& provider : uikit::currentDocumentProviders()) {
+        const fs::path folder = uikit::documentProviderFolder(provider);
+        std::error_code error;
+        fs::create_directories(folder, error);
+        if (error) return folder.string() + ": " + error.message();
     }
     return {};
 }

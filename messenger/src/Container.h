@@ -12,6 +12,12 @@ std::string defaultHome();
 // tmp. Answers an error message, empty on success.
 std::string createContainer(const std::string& home);
 
+// Makes the folders of the current device's document providers (by default
+// "<home>/../DocumentProviders/iCloud Drive"), so that the document menu has
+// somewhere to browse. Call once the process and the device are configured.
+// Answers an error message, empty on success.
+std::string createDocumentProviderFolders();
+
 // The app bundle: the copy beside the program, else the source tree's.
 std::string findBundle();
 

@@ -67,6 +67,10 @@ ParseResult parseOptions(int argc, const char* const* argv, const char* insertLi
             if (!value(options.describeClass) || options.describeClass.empty()) {
                 return {{}, "--describe-class needs a class name"};
             }
+        } else if (arg == "--script") {
+            if (!value(options.script) || options.script.empty()) {
+                return {{}, "--script needs a file of commands"};
+            }
         } else {
             return {{}, "unknown option '" + arg + "'"};
         }
@@ -87,7 +91,7 @@ std::string usage(const std::string& program) {
     out << "usage: " << program << " [options]\n"
         << "\n"
         << "The WhatsApp messenger, simulated on a headless iOS device. Commands are read\n"
-        << "from standard input, one per line ('help' lists them).\n"
+        << "from standard input, one per line, or from a script file (--script).\n"
         << "\n"
         << "options:\n"
         << "  --home DIR              the app's container (default\n"
@@ -101,6 +105,9 @@ std::string usage(const std::string& program) {
         << "  --ios VERSION           the system version (default 9.3)\n"
         << "  --language CODE         the user's language (default: the locale's)\n"
         << "  --describe-class NAME   print the class's own methods and where they live\n"
+        << "  --script FILE           run the commands in FILE (blank lines and # comments\n"
+        << "                          skipped), echoing each, then quit; the first failed\n"
+        << "                          command or expectation ends it with status 1\n"
         << "  --help                  this text\n";
     return out.str();
 }

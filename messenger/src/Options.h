@@ -16,6 +16,7 @@ struct Options {
     std::string systemVersion = "9.3";
     std::string language;       // empty: from the environment's locale
     std::string describeClass;  // non-empty: describe and exit
+    std::string script;         // non-empty: run the commands of this file, then quit
     bool help = false;
 };
 
@@ -31,6 +32,7 @@ ParseResult parseOptions(int argc, const char* const* argv, const char* insertLi
 // The device to simulate, from the options (already validated).
 uikit::DeviceProfile deviceProfile(const Options& options);
 
+// The options; the caller appends the commands' help.
 std::string usage(const std::string& program);
 
 }  // namespace messenger

@@ -36,6 +36,8 @@ class ScreenRenderers {
 
 // The renderers of the platform's and the host's screens.
 ScreenRenderers standardRenderers();
+// The chat and what it presents (menus, pickers, the file browser).
+void addChatRenderers(ScreenRenderers& renderers);
 
 // "== Title ==" and the lines, indented, each ending in a newline.
 std::string formatScreen(const ScreenText& text);

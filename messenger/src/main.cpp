@@ -25,6 +25,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -38,8 +40,16 @@ int run(int argc, char** argv) {
     }
     const messenger::Options& options = *parsed.options;
     if (options.help) {
-        std::cout << messenger::usage(program);
+        std::cout << messenger::usage(program) << "\n"
+                  << messenger::commandHelp(messenger::standardCommands());
         return 0;
+    }
+    std::vector<std::string> script;
+    if (!options.script.empty()) {
+        if (std::string error; !messenger::readScript(options.script, script, error)) {
+            std::cerr << program << ": " << error << "\n";
+            return 2;
+        }
     }
 
     // The process and the device, before any library can ask about them.
@@ -56,6 +66,10 @@ int run(int argc, char** argv) {
     uikit::DeviceProfile device = messenger::deviceProfile(options);
     device.languages = foundation::processEnvironment().preferredLanguages;
     uikit::configureDevice(device);
+    if (const std::string error = messenger::createDocumentProviderFolders(); !error.empty()) {
+        std::cerr << program << ": cannot make the document providers' folders: " << error << "\n";
+        return 1;
+    }
 
     // This thread is the app's main thread: its run loop drains the main queue.
     if (!foundation::isMainThread() || NSRunLoop::mainRunLoop() == nullptr) {
@@ -75,8 +89,13 @@ int run(int argc, char** argv) {
         messenger::App app;
         const messenger::CommandTable commands = messenger::standardCommands();
         const messenger::ScreenRenderers renderers = messenger::standardRenderers();
-        status = messenger::runCommandLoop(app, commands, renderers, std::cin, std::cout,
-                                           isatty(STDIN_FILENO) != 0);
+        if (!options.script.empty()) {
+            status = messenger::runScript(app, commands, renderers, options.script, script,
+                                          std::cout, std::cerr);
+        } else {
+            status = messenger::runCommandLoop(app, commands, renderers, std::cin, std::cout,
+                                               isatty(STDIN_FILENO) != 0);
+        }
     }
     NSUserDefaults::standardUserDefaults()->synchronize();
     return status;

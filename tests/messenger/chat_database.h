@@ -1,0 +1,61 @@
+// Reads the documents the messenger stored in its chat database, straight
+// from the SQLite file, as another program on the device would.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace messengertest {
+
+struct StoredDocument {
+    std::string fileName;
+    std::int64_t size = 0;
+    std::string uniformType;
+    std::optional<std::string> mimeType;
+    std::string mediaPath;
+};
+
+inline std::string columnText(sqlite3_stmt* statement, int column) {
+    const auto* text = sqlite3_column_text(statement, column);
+    return text != nullptr ? reinterpret_cast<const char*>(text) : "";
+}
+
+// The chat's documents in the order they were sent; nothing when the
+// database cannot be read (the caller's expectations then fail).
+inline std::vector<StoredDocument> storedDocuments(const std::string& database,
+                                                   const std::string& chat) {
+    std::vector<StoredDocument> documents;
+    sqlite3* db = nullptr;
+    if (sqlite3_open_v2(database.c_str(), &db, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK) {
+        sqlite3_close(db);
+        return documents;
+    }
+    sqlite3_stmt* statement = nullptr;
+    const char* sql =
+        "SELECT m.file_name, m.size_in_bytes, m.uniform_type, m.mime_type, m.media_path "
+        "FROM messages m JOIN chats c ON c.id = m.chat_id "
+        "WHERE c.contact_name = ?1 AND m.file_name IS NOT NULL ORDER BY m.id";
+    if (sqlite3_prepare_v2(db, sql, -1, &statement, nullptr) == SQLITE_OK) {
+        sqlite3_bind_text(statement, 1, chat.c_str(), -1, SQLITE_TRANSIENT);
+        while (sqlite3_step(statement) == SQLITE_ROW) {
+            StoredDocument d;
+            d.fileName = columnText(statement, 0);
+            d.size = sqlite3_column_int64(statement, 1);
+            d.uniformType = columnText(statement, 2);
+            if (sqlite3_column_type(statement, 3) != SQLITE_NULL) {
+                d.mimeType = columnText(statement, 3);
+            }
+            d.mediaPath = columnText(statement, 4);
+            documents.push_back(std::move(d));
+        }
+    }
+    sqlite3_finalize(statement);
+    sqlite3_close(db);
+    return documents;
+}
+
+}  // namespace messengertest

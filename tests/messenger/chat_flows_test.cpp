@@ -1,0 +1,196 @@
+// The chat's document flows end to end: the messenger runs scripts with and
+// without the library, and the tests look at what it printed and at what it
+// stored (the chat database, the media files).
+#include "chat_database.h"
+#include "messenger_process.h"
+
+#include <algorithm>
+
+namespace {
+
+using namespace messengertest;
+
+// A device's worth of folders: the app's container, the document provider
+// beside it (where the document menu browses) and a folder of the user's
+// files elsewhere (where the file browser goes).
+class ChatFlows : public ::testing::Test {
+  protected:
+    ChatFlows() {
+        fs::create_directories(provider());
+        fs::create_directories(files() / "sub");
+        // Every byte value, so that a text-mode copy or a truncation shows.
+        for (int i = 0; i < 3000; ++i) zipBytes.push_back(static_cast<char>((i * 7 + 3) % 256));
+        for (const fs::path& folder : {provider(), files()}) {
+            std::ofstream(folder / "archive.zip", std::ios::binary) << zipBytes;
+            std::ofstream(folder / "report.pdf", std::ios::binary) << "%PDF-1.4 report";
+        }
+        std::ofstream(files() / "notes.txt") << "notes";
+    }
+
+    fs::path home() const { return base.path() / "Container"; }
+    fs::path provider() const { return base.path() / "DocumentProviders" / "iCloud Drive"; }
+    fs::path files() const { return base.path() / "files"; }
+    std::string database() const { return (home() / "Documents" / "ChatStorage.sqlite").string(); }
+
+    // Runs the script (written to a file beside the container) with the
+    // options; `library` injects the Parcelvane library.
+    Result runScript(const std::string& script, std::vector<std::string> options, bool library) {
+        const fs::path file = base.path() / "flow.script";
+        std::ofstream(file) << script;
+        std::vector<std::string> args{"--home", home().string(), "--script", file.string()};
+        args.insert(args.end(), options.begin(), options.end());
+        if (library) {
+#ifdef PARCELVANE_LIBRARY
+            args.insert(args.end(), {"--inject", PARCELVANE_LIBRARY});
+#else
+            ADD_FAILURE() << "the library was not built";
+#endif
+        }
+        return run(args);
+    }
+
+    static long count(const std::vector<StoredDocument>& documents, const std::string& name) {
+        return std::count_if(documents.begin(), documents.end(),
+                             [&](const StoredDocument& d) { return d.fileName == name; });
+    }
+
+    TempFolder base;
+    std::string zipBytes;
+};
+
+TEST_F(ChatFlows, WithoutTheLibraryAZipCannotBeSent) {
+    // The settings are on, but nothing reads them: the host's own flows.
+    const Result r = runScript(R"script(chat alice
+set send_documents_enabled true
+set send_filesystem_enabled true
+attach
+expect-not (Parcelvane)
+choose "Share Document"
+expect Types: com.adobe.pdf
+expect-not public.data
+expect Presented: modal, full screen (style 0)
+choose "iCloud Drive"
+expect report.pdf
+expect-not archive.zip
+choose report.pdf
+expect You: [document] report.pdf (15 bytes, com.adobe.pdf, application/pdf)
+share
+choose 1
+# Not listed, so not there to be chosen: this line ends the script.
+choose archive.zip
+quit
+)script",
+                               {}, false);
+    EXPECT_EQ(r.status, 1) << r.out << r.err;
+    EXPECT_TRUE(contains(r.err, "flow.script:18: No choice archive.zip here.")) << r.err;
+    EXPECT_TRUE(contains(r.err, "== Document Picker: iCloud Drive ==")) << r.err;
+    EXPECT_FALSE(contains(r.out, "> quit"));
+
+    const auto documents = storedDocuments(database(), "Alice");
+    ASSERT_EQ(documents.size(), 1u) << r.out;
+    EXPECT_EQ(documents[0].fileName, "report.pdf");
+    EXPECT_EQ(count(documents, "archive.zip"), 0);
+}
+
+TEST_F(ChatFlows, WithTheLibraryAnyFileIsSentFromTheMenuAndFromTheBrowser) {
+    const std::string script = R"script(chat alice
+set send_documents_enabled true
+share
+expect Types: public.data
+expect Presented: modal, full screen (style 0)
+choose "iCloud Drive"
+expect Presented: modal, form sheet (style 2)
+choose archive.zip
+expect You: [document] archive.zip (3000 bytes, public.zip-archive, application/zip)
+
+attach
+expect-not (Parcelvane)
+cancel
+set send_filesystem_enabled true
+attach
+expect 6. Share Document (Parcelvane)
+choose "Share Document (Parcelvane)"
+expect == File Browser ==
+open FILES
+choose sub
+expect Path: FILES/sub
+up
+expect Path: FILES
+choose notes.txt
+expect-not == File Browser ==
+expect You: [document] notes.txt (5 bytes
+
+# Given up: nothing is sent.
+attach
+choose 6
+open FILES
+cancel
+expect-not == File Browser ==
+quit
+)script";
+    std::string withPaths = script;
+    for (std::size_t at; (at = withPaths.find("FILES")) != std::string::npos;) {
+        withPaths.replace(at, 5, files().string());
+    }
+    const Result r = runScript(withPaths, {}, true);
+    ASSERT_EQ(r.status, 0) << r.out << r.err;
+    EXPECT_TRUE(contains(r.out, "> choose \"Share Document (Parcelvane)\"\n== File Browser =="));
+
+    const auto documents = storedDocuments(database(), "Alice");
+    ASSERT_EQ(documents.size(), 2u) << r.out;
+    EXPECT_EQ(documents[0].fileName, "archive.zip");
+    EXPECT_EQ(documents[0].size, 3000);
+    EXPECT_EQ(documents[0].uniformType, "public.zip-archive");
+    EXPECT_EQ(documents[0].mimeType, "application/zip");
+    fs::path media = documents[0].mediaPath;
+    if (media.is_relative()) media = home() / media;
+    EXPECT_EQ(readFile(media), zipBytes);
+    EXPECT_EQ(readFile(provider() / "archive.zip"), zipBytes) << "the provider keeps its file";
+
+    EXPECT_EQ(documents[1].fileName, "notes.txt");
+    EXPECT_EQ(count(documents, "notes.txt"), 1) << "sent exactly once";
+    EXPECT_TRUE(fs::exists(files() / "notes.txt")) << "the user's own file is copied, not taken";
+}
+
+TEST_F(ChatFlows, OnIPadTheMenuIsAPopoverAndTheEntryIsTranslated) {
+    // An iPad Air 2 window is 768 × 1024 points: the anchor is its centre.
+    const Result r = runScript(R"script(chat bob
+set send_documents_enabled true
+set send_filesystem_enabled true
+share
+expect == Popover: Document Menu ==
+expect Presented: popover from {384, 512, 1, 1} in UIView arrows any
+choose "iCloud Drive"
+expect-not Popover
+expect Presented: modal, form sheet (style 2)
+cancel
+attach
+expect Partager un document (Parcelvane)
+expect-not Share Document
+choose "Partager un document (Parcelvane)"
+expect == File Browser ==
+cancel
+)script",
+                               {"--device", "ipad", "--language", "fr"}, true);
+    EXPECT_EQ(r.status, 0) << r.out << r.err;
+}
+
+TEST_F(ChatFlows, BeforeIOS8TheShareActionOpensTheFileBrowser) {
+    const Result r = runScript(
+        "chat bob\n"
+        "set send_documents_enabled true\n"
+        "set send_filesystem_enabled true\n"
+        "share\n"
+        "expect == File Browser ==\n"
+        "expect-not Document Menu\n"
+        "open " +
+            files().string() +
+            "\n"
+            "choose archive.zip\n"
+            "expect You: [document] archive.zip (3000 bytes\n",
+        {"--ios", "7.1"}, true);
+    EXPECT_EQ(r.status, 0) << r.out << r.err;
+    EXPECT_EQ(count(storedDocuments(database(), "Bob"), "archive.zip"), 1);
+}
+
+}  // namespace

@@ -1,0 +1,77 @@
+// Scripts: how they are read, echoed and checked, and how a failure ends
+// them.
+#include "messenger_process.h"
+
+namespace {
+
+using namespace messengertest;
+
+class Script : public ::testing::Test {
+  protected:
+    Result runScript(const std::string& text) {
+        std::ofstream(file) << text;
+        return run({"--home", (base.path() / "Container").string(), "--script", file.string()},
+                   "chat family\n");
+    }
+    TempFolder base;
+    fs::path file = base.path() / "check.script";
+};
+
+TEST_F(Script, TheFirstUnmetExpectationEndsTheScriptWithItsLineAndTheScreen) {
+    const Result r = runScript(
+        "# a comment, then a blank line\n"
+        "\n"
+        "  chat bob  \n"
+        "expect Lunch tomorrow?\n"
+        "wait 10\n"
+        "expect-not Lunch tomorrow?\n"
+        "chat alice\n");
+    EXPECT_EQ(r.status, 1);
+    EXPECT_TRUE(contains(r.err, file.string() + ":6: expected no \"Lunch tomorrow?\"\n== Bob =="))
+        << r.err;
+    EXPECT_TRUE(contains(r.out, "> chat bob\n== Bob ==")) << r.out;
+    EXPECT_TRUE(contains(r.out, "> expect Lunch tomorrow?\n> wait 10\n> expect-not")) << r.out;
+    EXPECT_FALSE(contains(r.out, "a comment"));
+    EXPECT_FALSE(contains(r.out, "> chat alice")) << "nothing after the failure runs";
+    EXPECT_FALSE(contains(r.out, "== Family ==")) << "standard input is not read";
+    // The container's neighbour: the document menu's provider folder.
+    EXPECT_TRUE(fs::is_directory(base.path() / "DocumentProviders" / "iCloud Drive"));
+}
+
+TEST_F(Script, UnknownCommandsAndMisusedOnesFailButAGoodScriptSucceeds) {
+    const Result unknown = runScript("chat bob\nfrobnicate now\n");
+    EXPECT_EQ(unknown.status, 1);
+    EXPECT_TRUE(contains(unknown.err, ":2: Unknown command 'frobnicate'")) << unknown.err;
+
+    const Result nothing = runScript("choose 1\n");
+    EXPECT_EQ(nothing.status, 1);
+    EXPECT_TRUE(contains(nothing.err, ":1: Nothing to choose from here.")) << nothing.err;
+
+    const Result covered = runScript("chat bob\nattach\nshare\n");
+    EXPECT_EQ(covered.status, 1);
+    EXPECT_TRUE(contains(covered.err, ":3: The chat is covered")) << covered.err;
+
+    const Result good = runScript(
+        "chat bob\nattach\nexpect 1. Take Photo or Video\nchoose 1\n"
+        "expect == Alert: Camera Unavailable ==\nchoose OK\nexpect-not Alert\n");
+    EXPECT_EQ(good.status, 0) << good.out << good.err;
+    EXPECT_TRUE(good.err.empty()) << good.err;
+}
+
+TEST(ScriptOptions, AMissingScriptIsRefusedAndHelpListsEveryCommand) {
+    TempFolder base;
+    const Result missing =
+        run({"--home", base.path().string(), "--script", (base.path() / "none").string()});
+    EXPECT_EQ(missing.status, 2);
+    EXPECT_TRUE(contains(missing.err, "cannot read the script")) << missing.err;
+
+    const Result help = run({"--help"});
+    EXPECT_EQ(help.status, 0);
+    for (const char* text :
+         {"--script FILE", "attach", "share", "choose N|\"TITLE\"", "up ", "open PATH", "cancel",
+          "expect TEXT", "expect-not TEXT", "wait MS", "set KEY VALUE"}) {
+        EXPECT_TRUE(contains(help.out, text)) << text;
+    }
+}
+
+}  // namespace
