@@ -56,9 +56,32 @@ inline std::string readFile(const fs::path& path) {
     return text.str();
 }
 
+inline bool isMachineSpecific(const std::string& name) {
+    static const char* const kNames[] = {"MESSENGER_INSERT_LIBRARIES",
+                                         "LANGUAGE",
+                                         "LC_ALL",
+                                         "LC_MESSAGES",
+                                         "LANG",
+                                         "http_proxy",
+                                         "HTTP_PROXY",
+                                         "https_proxy",
+                                         "HTTPS_PROXY",
+                                         "all_proxy",
+                                         "ALL_PROXY",
+                                         "no_proxy",
+                                         "NO_PROXY"};
+    for (const char* n : kNames) {
+        if (name == n) return true;
+    }
+    return false;
+}
+
 // Runs the messenger with the arguments and the input. `env` adds or (with
-// an empty value) removes environment variables; MESSENGER_INSERT_LIBRARIES
-// is never inherited.
+// an empty value) removes environment variables. The run does not depend on
+// the machine: MESSENGER_INSERT_LIBRARIES, the locale and the proxy settings
+// are not inherited, the language is English unless `--language` says
+// otherwise, and http goes to a loopback port that refuses connections
+// unless `env` names a proxy.
 inline Result run(const std::vector<std::string>& args, const std::string& input = "",
                   const std::map<std::string, std::string>& env = {}) {
     TempFolder io;
@@ -75,8 +98,12 @@ inline Result run(const std::vector<std::string>& args, const std::string& input
     for (char** e = environ; *e != nullptr; ++e) {
         const std::string entry = *e;
         const std::string name = entry.substr(0, entry.find('='));
-        if (name == "MESSENGER_INSERT_LIBRARIES" || env.count(name) != 0) continue;
+        if (isMachineSpecific(name) || env.count(name) != 0) continue;
         envStrings.push_back(entry);
+    }
+    for (const auto& [name, value] : std::map<std::string, std::string>{
+             {"LANG", "en_US.UTF-8"}, {"http_proxy", "http://127.0.0.1:1"}}) {
+        if (env.count(name) == 0) envStrings.push_back(name + "=" + value);
     }
     for (const auto& [name, value] : env) {
         if (!value.empty()) envStrings.push_back(name + "=" + value);
