@@ -102,7 +102,8 @@ expect 2.4 Debug Settings >
 expect-not 2.5
 # A tap on a switch row only clears its highlight.
 tap 2.1
-expect   2.1 Enable advanced option [on]
+expect-not > 2.1
+expect 2.1 Enable advanced option [on]
 toggle "Enable Any Document"
 expect 2.2 Enable Any Document [on]
 expect 2.3 Enable Send System Files [off]
