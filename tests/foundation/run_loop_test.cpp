@@ -41,75 +41,43 @@ void onOtherThread(F&& fn) {
 OBJC_DEFINE_CLASS(RunLoopTestTracked, NSObject, "RunLoopTestTracked")
 void RunLoopTestTracked::objcDefine(objc::ClassBuilder<RunLoopTestTracked>&) {}
 
-TEST(NSThreadBasics, KnowsTheMainThread) {
+TEST(NSThreadBasics, KnowsTheMainThreadAndNamesThreadsApart) {
     objc::AutoreleasePool pool;
-    EXPECT_TRUE(NSThread::isMainThread());
-    EXPECT_TRUE(foundation::isMainThread());
+    EXPECT_TRUE(NSThread::isMainThread() && foundation::isMainThread());
     EXPECT_EQ(pthread_main_np(), 1);
     NSThread* main = NSThread::mainThread();
     EXPECT_EQ(NSThread::currentThread(), main);
-    EXPECT_TRUE(main->isMain());
-
+    const std::string mainName = main->name()->utf8();
+    main->setName(NSSTR("main-test"));
     NSThread* other = nullptr;
     NSThread* otherAgain = nullptr;
     bool otherIsMain = true;
-    bool otherObjectIsMain = true;
     int np = -1;
     onOtherThread([&] {
-        otherIsMain = NSThread::isMainThread();
         other = NSThread::currentThread();
         otherAgain = NSThread::currentThread();
-        otherObjectIsMain = other->isMain();
+        other->setName(NSSTR("worker"));  // names are per thread
+        otherIsMain = NSThread::isMainThread() || foundation::isMainThread() || other->isMain();
         np = pthread_main_np();
     });
     EXPECT_FALSE(otherIsMain);
-    EXPECT_FALSE(otherObjectIsMain);
     EXPECT_EQ(np, 0);
     EXPECT_NE(other, main);
     EXPECT_EQ(other, otherAgain);
-}
-
-TEST(NSThreadBasics, NamesAreCopiedAndPerThread) {
-    objc::AutoreleasePool pool;
-    NSThread* main = NSThread::mainThread();
-    const std::string before = main->name()->utf8();
-    main->setName(NSSTR("main-test"));
     EXPECT_EQ(main->name()->utf8(), "main-test");
-    std::string otherName;
-    onOtherThread([&] {
-        NSThread::currentThread()->setName(NSSTR("worker"));
-        otherName = NSThread::currentThread()->name()->utf8();
-    });
-    EXPECT_EQ(otherName, "worker");
-    EXPECT_EQ(main->name()->utf8(), "main-test");
-    main->setName(nullptr);
-    EXPECT_EQ(main->name()->utf8(), "");
-    main->setName(NSString::create(before).get());
+    main->setName(NSString::create(mainName).get());
 }
 
 TEST(NSRunLoopBasics, OnlyTheMainThreadHasALoop) {
     objc::AutoreleasePool pool;
-    EXPECT_NE(NSRunLoop::mainRunLoop(), nullptr);
     EXPECT_EQ(NSRunLoop::currentRunLoop(), NSRunLoop::mainRunLoop());
     NSRunLoop* otherCurrent = NSRunLoop::mainRunLoop();
-    bool runRaised = false;
-    bool idleRaised = false;
     onOtherThread([&] {
         otherCurrent = NSRunLoop::currentRunLoop();
-        try {
-            NSRunLoop::mainRunLoop()->runUntilDate(NSDate::date());
-        } catch (const objc::Exception&) {
-            runRaised = true;
-        }
-        try {
-            foundation::runMainLoopUntilIdle();
-        } catch (const objc::Exception&) {
-            idleRaised = true;
-        }
+        EXPECT_THROW(NSRunLoop::mainRunLoop()->runUntilDate(NSDate::date()), objc::Exception);
+        EXPECT_THROW(foundation::runMainLoopUntilIdle(), objc::Exception);
     });
     EXPECT_EQ(otherCurrent, nullptr);
-    EXPECT_TRUE(runRaised);
-    EXPECT_TRUE(idleRaised);
 }
 
 TEST(NSRunLoopBasics, RunEndsOnStopFromTheLoopOrAnotherThread) {
@@ -123,18 +91,15 @@ TEST(NSRunLoopBasics, RunEndsOnStopFromTheLoopOrAnotherThread) {
     });
     loop->run();
     EXPECT_EQ(order, (std::vector<std::string>{"first", "stop"}));
-
     std::thread stopper([] {
         std::this_thread::sleep_for(20ms);
         foundation::stopMainLoop();
     });
     loop->run();  // returns only because of the stop
     stopper.join();
-
     // A stop sent while no loop runs ends the next run at once.
     foundation::stopMainLoop();
     loop->run();
-    SUCCEED();
 }
 
 TEST(NSRunLoopBasics, RunUntilDateWaitsForTheDateWhileServingTheQueue) {
@@ -146,14 +111,12 @@ TEST(NSRunLoopBasics, RunUntilDateWaitsForTheDateWhileServingTheQueue) {
     loop->runUntilDate(NSDate::dateWithTimeIntervalSinceNow(0.05));
     EXPECT_TRUE(ran);
     EXPECT_GE(Clock::now() - start, 50ms);
-
     // A date in the past (or nil) is one pass without waiting.
     ran = false;
     dispatch_async(dispatch_get_main_queue(), [&] { ran = true; });
     loop->runUntilDate(NSDate::distantPast());
     EXPECT_TRUE(ran);
     loop->runUntilDate(static_cast<NSDate*>(nullptr));
-
     // distantFuture runs until stopped.
     dispatch_after(dispatch_time(DISPATCH_TIME_NOW, 5 * NSEC_PER_MSEC), dispatch_get_main_queue(),
                    [] { foundation::stopMainLoop(); });
@@ -173,7 +136,6 @@ TEST(NSRunLoopBasics, RunModeRunsOnePass) {
     EXPECT_EQ(order, (std::vector<std::string>{"a", "b"}));
     EXPECT_TRUE(loop->runModeBeforeDate(NSDefaultRunLoopMode, NSDate::distantFuture()));
     EXPECT_EQ(order, (std::vector<std::string>{"a", "b", "c"}));
-
     // Nothing to do: waits for the date, then answers YES.
     EXPECT_TRUE(
         loop->runModeBeforeDate(NSDefaultRunLoopMode, NSDate::dateWithTimeIntervalSinceNow(0.01)));
@@ -185,33 +147,26 @@ TEST(NSRunLoopBasics, RunModeRunsOnePass) {
     EXPECT_TRUE(loop->runModeBeforeDate(NSDefaultRunLoopMode, NSDate::distantFuture()));
     poster.join();
     EXPECT_EQ(order.back(), "d");
-
     foundation::stopMainLoop();
     EXPECT_FALSE(loop->runModeBeforeDate(NSDefaultRunLoopMode, NSDate::distantFuture()));
 }
 
-TEST(NSRunLoopBasics, CurrentModeOnlyWhileRunning) {
-    objc::AutoreleasePool pool;
-    NSRunLoop* loop = NSRunLoop::mainRunLoop();
-    EXPECT_EQ(loop->currentMode(), nullptr);
-    NSString* inside = nullptr;
-    dispatch_async(dispatch_get_main_queue(), [&] { inside = loop->currentMode(); });
-    foundation::runMainLoopUntilIdle();
-    ASSERT_NE(inside, nullptr);
-    EXPECT_TRUE(inside->isEqualToString(NSDefaultRunLoopMode));
-}
-
-TEST(NSRunLoopBasics, EveryTurnDrainsItsAutoreleasePool) {
+TEST(NSRunLoopBasics, EveryTurnDrainsItsPoolAndRunsInTheDefaultMode) {
     objc::AutoreleasePool pool;
     const int before = RunLoopTestTracked::alive.load();
     int aliveInside = 0;
+    NSString* mode = nullptr;
     dispatch_async(dispatch_get_main_queue(), [&] {
         objc::autorelease(objc::make<RunLoopTestTracked>().leak());
         aliveInside = RunLoopTestTracked::alive.load() - before;
+        mode = NSRunLoop::mainRunLoop()->currentMode();
     });
+    EXPECT_EQ(NSRunLoop::mainRunLoop()->currentMode(), nullptr);  // only while running
     foundation::runMainLoopUntilIdle();
     EXPECT_EQ(aliveInside, 1);
     EXPECT_EQ(RunLoopTestTracked::alive.load(), before);
+    ASSERT_NE(mode, nullptr);
+    EXPECT_TRUE(mode->isEqualToString(NSDefaultRunLoopMode));
 }
 
 // A block may run the loop itself (a modal wait): later work runs inside it,

@@ -20,8 +20,6 @@ class StringFormatTest : public ::testing::Test {
 
 TEST_F(StringFormatTest, ObjectsUseTheirDescription) {
     EXPECT_EQ(fmt("%@ (Parcelvane)", NSSTR("Settings")), "Settings (Parcelvane)");
-    EXPECT_EQ(fmt("%@", NSNumber::numberWithInt(7)), "7");
-    EXPECT_EQ(fmt("%@", NSNumber::numberWithDouble(2.5)), "2.5");
     EXPECT_EQ(fmt("[%@]", nullptr), "[(null)]");
     EXPECT_EQ(fmt("%@", NSNumber::create(3)), "3");  // a strong pointer formats its object
     EXPECT_EQ(fmt("%@", NSString::objcClass()), "NSString");
@@ -29,16 +27,11 @@ TEST_F(StringFormatTest, ObjectsUseTheirDescription) {
 }
 
 TEST_F(StringFormatTest, Integers) {
-    EXPECT_EQ(fmt("%d", 42), "42");
     EXPECT_EQ(fmt("%i|%5d|%-5d|%05d", -3, 7, 7, 7), "-3|    7|7    |00007");
-    EXPECT_EQ(fmt("%lld", LLONG_MIN), "-9223372036854775808");
-    EXPECT_EQ(fmt("%llu", ULLONG_MAX), "18446744073709551615");
-    EXPECT_EQ(fmt("%ld %lu %zu", -5L, 5UL, sizeof(int)), "-5 5 4");
+    EXPECT_EQ(fmt("%lld %llu", LLONG_MIN, ULLONG_MAX), "-9223372036854775808 18446744073709551615");
     EXPECT_EQ(fmt("%x %X %o %#x", 255, 255, 8, 255), "ff FF 10 0xff");
     // Negative values read as the unsigned number of their size.
-    EXPECT_EQ(fmt("%u %x", -1, -1), "4294967295 ffffffff");
-    EXPECT_EQ(fmt("%lx", -1L), "ffffffffffffffff");
-    EXPECT_EQ(fmt("%hhx", -1), "ff");
+    EXPECT_EQ(fmt("%u %lx %hhx", -1, -1L, -1), "4294967295 ffffffffffffffff ff");
     // The value passed is printed whole, whatever the length modifier says.
     EXPECT_EQ(fmt("%d", 5000000000LL), "5000000000");
     EXPECT_EQ(fmt("%d %d", true, false), "1 0");
@@ -46,24 +39,19 @@ TEST_F(StringFormatTest, Integers) {
 }
 
 TEST_F(StringFormatTest, FloatingPoint) {
-    EXPECT_EQ(fmt("%.1f", 2.0), "2.0");
     EXPECT_EQ(fmt("%f", 1.5), "1.500000");
     EXPECT_EQ(fmt("%.2f%%", 99.555f), "99.56%");
     EXPECT_EQ(fmt("%8.3f|%-8.1f|%+.0f", 3.14159, 2.25, 2.5), "   3.142|2.2     |+2");
-    EXPECT_EQ(fmt("%e", 12345.678), "1.234568e+04");
-    EXPECT_EQ(fmt("%g %g", 0.0001, 1e20), "0.0001 1e+20");
+    EXPECT_EQ(fmt("%e %g %g", 12345.678, 0.0001, 1e20), "1.234568e+04 0.0001 1e+20");
     EXPECT_EQ(fmt("%.1f", 3), "3.0");  // an integer given to %f prints its value
 }
 
 TEST_F(StringFormatTest, StringsPointersAndPercent) {
-    EXPECT_EQ(fmt("%s and %s", "C", std::string("C++")), "C and C++");
     const char* none = nullptr;
-    EXPECT_EQ(fmt("%s", none), "(null)");
+    EXPECT_EQ(fmt("%s and %s, %s", "C", std::string("C++"), none), "C and C++, (null)");
     EXPECT_EQ(fmt("%.3s|%5s", "abcdef", "ü"), "abc|    ü");
     EXPECT_EQ(fmt("100%%"), "100%");
-    EXPECT_EQ(fmt("%p", reinterpret_cast<void*>(0x1234)), "0x1234");
-    EXPECT_EQ(fmt("%p", nullptr), "0x0");
-    EXPECT_EQ(fmt("no arguments"), "no arguments");
+    EXPECT_EQ(fmt("%p %p", reinterpret_cast<void*>(0x1234), nullptr), "0x1234 0x0");
     EXPECT_EQ(fmt("%s is %d", "😀", 1), "😀 is 1");
 }
 

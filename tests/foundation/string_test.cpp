@@ -10,21 +10,11 @@
 #include <cmath>
 #include <cstdint>
 
+#include "test_helpers.h"
+
 namespace {
 
-NSString* S(const char* utf8) {
-    return NSString::stringWithUTF8String(utf8);
-}
-
-std::string text(NSString* s) {
-    return s != nullptr ? s->utf8() : std::string("<nil>");
-}
-
-std::vector<std::string> texts(NSArray* array) {
-    std::vector<std::string> out;
-    for (id o : *array) out.push_back(static_cast<NSString*>(o)->utf8());
-    return out;
-}
+using namespace testing_support;
 
 bool notFound(NSRange r) {
     return r.location == static_cast<NSUInteger>(NSNotFound) && r.length == 0;
@@ -39,33 +29,24 @@ TEST_F(StringTest, LengthsAndIndexesCountUtf16Units) {
     EXPECT_EQ(s->length(), 4u);
     EXPECT_EQ(s->characterAtIndex(1), 0xD83D);
     EXPECT_EQ(text(s->substringFromIndex(3)), "b");
-    EXPECT_EQ(text(s->substringToIndex(3)), "a😀");
     EXPECT_EQ(text(s->substringWithRange(NSMakeRange(1, 2))), "😀");
-    const NSRange r = s->rangeOfString(S("b"));
-    EXPECT_EQ(r.location, 3u);
-    EXPECT_EQ(r.length, 1u);
+    EXPECT_EQ(s->rangeOfString(S("b")).location, 3u);
     EXPECT_EQ(S("é")->length(), 1u);
-    EXPECT_EQ(S("")->length(), 0u);
 }
 
 TEST_F(StringTest, SubstringsOutOfRangeRaiseRangeException) {
     NSString* s = S("hello");
     EXPECT_EQ(text(s->substringFromIndex(5)), "");
-    EXPECT_EQ(text(s->substringToIndex(5)), "hello");
     EXPECT_EQ(text(s->substringWithRange(NSMakeRange(5, 0))), "");
-    const auto expectRange = [](auto&& f) {
+    for (const NSRange r : {NSMakeRange(3, 3), NSMakeRange(6, 0), NSMakeRange(2, ~NSUInteger{0})}) {
         try {
-            f();
+            s->substringWithRange(r);  // location + length wrapping around must not pass
             ADD_FAILURE() << "no exception";
         } catch (const objc::Exception& e) {
             EXPECT_EQ(e.name(), objc::kRangeException);
         }
-    };
-    expectRange([&] { s->substringFromIndex(6); });
-    expectRange([&] { s->substringToIndex(6); });
-    expectRange([&] { s->substringWithRange(NSMakeRange(3, 3)); });
-    // location + length wrapping around must not pass the check.
-    expectRange([&] { s->substringWithRange(NSMakeRange(2, ~NSUInteger{0})); });
+    }
+    EXPECT_THROW(s->substringToIndex(6), objc::Exception);
 }
 
 TEST_F(StringTest, TrimmingUsesUnicodeWhitespace) {
@@ -73,7 +54,6 @@ TEST_F(StringTest, TrimmingUsesUnicodeWhitespace) {
     EXPECT_EQ(text(S(" \t\n hi there \r\n")->stringByTrimmingCharactersInSet(ws)), "hi there");
     // No-break space and the ideographic space are whitespace too.
     EXPECT_EQ(text(S("\u00A0\u3000x\u00A0")->stringByTrimmingCharactersInSet(ws)), "x");
-    EXPECT_EQ(text(S(" \n ")->stringByTrimmingCharactersInSet(ws)), "");
     // Whitespace alone leaves newlines in place.
     EXPECT_EQ(text(S("\n x \n")->stringByTrimmingCharactersInSet(
                   NSCharacterSet::whitespaceCharacterSet())),
@@ -88,19 +68,14 @@ TEST_F(StringTest, CaseMappingIsFullUnicode) {
     EXPECT_EQ(text(S("straße")->uppercaseString()), "STRASSE");
     EXPECT_EQ(text(S("ÉCOLE Ω")->lowercaseString()), "école ω");
     EXPECT_EQ(text(S("hello wORLD")->capitalizedString()), "Hello World");
-    NSString* lower = S("abc");
-    EXPECT_EQ(text(lower->uppercaseString()), "ABC");
-    EXPECT_EQ(text(lower), "abc");  // the receiver is unchanged
 }
 
 TEST_F(StringTest, PrefixSuffixAndContains) {
     NSString* s = S("Parcelvane.dylib");
-    EXPECT_TRUE(s->hasPrefix(S("Parcel")));
     EXPECT_FALSE(s->hasPrefix(S("parcel")));
     EXPECT_TRUE(s->hasSuffix(S(".dylib")));
     EXPECT_TRUE(s->hasPrefix(S("")));
     EXPECT_FALSE(s->hasPrefix(nullptr));
-    EXPECT_TRUE(s->containsString(S("vane")));
     EXPECT_FALSE(s->containsString(S("")));
     EXPECT_THROW(s->containsString(nullptr), objc::Exception);
 }
@@ -114,29 +89,19 @@ TEST_F(StringTest, RangeOfStringWithOptions) {
               12u);
     EXPECT_TRUE(notFound(s->rangeOfString(S("Two"), NSAnchoredSearch)));
     EXPECT_EQ(s->rangeOfString(S("two"), NSAnchoredSearch | NSBackwardsSearch).location, 12u);
-    EXPECT_TRUE(notFound(s->rangeOfString(S("three"))));
     EXPECT_TRUE(notFound(s->rangeOfString(S(""))));
     EXPECT_EQ(s->rangeOfString(S("one"), 0, NSMakeRange(1, 14)).location, 8u);
     EXPECT_TRUE(notFound(s->rangeOfString(S("one"), 0, NSMakeRange(1, 9))));
     EXPECT_THROW(s->rangeOfString(S("one"), 0, NSMakeRange(10, 10)), objc::Exception);
-    EXPECT_EQ(NSNotFound, LONG_MAX);
 }
 
 TEST_F(StringTest, ReplacingAndSplitting) {
     EXPECT_EQ(text(S("a-b--c")->stringByReplacingOccurrencesOfString(S("-"), S("+-"))),
               "a+-b+-+-c");
     EXPECT_EQ(text(S("aaa")->stringByReplacingOccurrencesOfString(S("aa"), S("b"))), "ba");
-    EXPECT_EQ(text(S("abc")->stringByReplacingCharactersInRange(NSMakeRange(1, 1), S("XY"))),
-              "aXYc");
-    EXPECT_EQ(text(S("x")->stringByAppendingString(S("😀"))), "x😀");
-
     EXPECT_EQ(texts(S("a,b,,c")->componentsSeparatedByString(S(","))),
               (std::vector<std::string>{"a", "b", "", "c"}));
-    EXPECT_EQ(texts(S(",a,")->componentsSeparatedByString(S(","))),
-              (std::vector<std::string>{"", "a", ""}));
     EXPECT_EQ(texts(S("")->componentsSeparatedByString(S(","))), (std::vector<std::string>{""}));
-    EXPECT_EQ(texts(S("8.4.1")->componentsSeparatedByString(S("."))),
-              (std::vector<std::string>{"8", "4", "1"}));
     EXPECT_EQ(texts(S("a b\tc")->componentsSeparatedByCharactersInSet(
                   NSCharacterSet::whitespaceCharacterSet())),
               (std::vector<std::string>{"a", "b", "c"}));
@@ -144,8 +109,6 @@ TEST_F(StringTest, ReplacingAndSplitting) {
 
 TEST_F(StringTest, NumericCompareOrdersVersionNumbers) {
     EXPECT_EQ(S("2.12.5")->compare(S("2.9"), NSNumericSearch), NSOrderedDescending);
-    EXPECT_EQ(S("2.9")->compare(S("2.12.5"), NSNumericSearch), NSOrderedAscending);
-    EXPECT_EQ(S("8.4.1")->compare(S("8.3"), NSNumericSearch), NSOrderedDescending);
     EXPECT_EQ(S("10")->compare(S("9"), NSNumericSearch), NSOrderedDescending);
     EXPECT_EQ(S("2.9")->compare(S("2.9"), NSNumericSearch), NSOrderedSame);
     EXPECT_EQ(S("2.9")->compare(S("2.9.1"), NSNumericSearch), NSOrderedAscending);
@@ -156,8 +119,6 @@ TEST_F(StringTest, NumericCompareOrdersVersionNumbers) {
 }
 
 TEST_F(StringTest, CompareAndCaseInsensitiveCompare) {
-    EXPECT_EQ(S("a")->compare(S("b")), NSOrderedAscending);
-    EXPECT_EQ(S("b")->compare(S("a")), NSOrderedDescending);
     EXPECT_EQ(S("ab")->compare(S("abc")), NSOrderedAscending);
     EXPECT_EQ(S("B")->compare(S("a")), NSOrderedAscending);  // by code unit
     EXPECT_EQ(S("a")->compare(nullptr), NSOrderedDescending);
@@ -173,29 +134,22 @@ TEST_F(StringTest, CompareAndCaseInsensitiveCompare) {
 
 TEST_F(StringTest, FloatingValuesTakeTheLongestNumberPrefix) {
     EXPECT_EQ(S("8.4.1")->floatValue(), 8.4f);
-    EXPECT_EQ(S("9.0")->floatValue(), 9.0f);
     EXPECT_EQ(S("  -2.5e2xyz")->doubleValue(), -250.0);
     EXPECT_EQ(S("+.5")->doubleValue(), 0.5);
     EXPECT_EQ(S("1e")->doubleValue(), 1.0);
     EXPECT_EQ(S("abc")->doubleValue(), 0.0);
     EXPECT_EQ(S(".")->doubleValue(), 0.0);
-    EXPECT_EQ(S("")->floatValue(), 0.0f);
     EXPECT_TRUE(std::isinf(S("1e999")->doubleValue()));
     EXPECT_EQ(S("1e-999")->doubleValue(), 0.0);
 }
 
 TEST_F(StringTest, IntegerValuesSaturate) {
-    EXPECT_EQ(S("12a")->intValue(), 12);
-    EXPECT_EQ(S("abc")->intValue(), 0);
-    EXPECT_EQ(S("  -42")->intValue(), -42);
-    EXPECT_EQ(S("+7")->intValue(), 7);
+    EXPECT_EQ(S("  -42a")->intValue(), -42);
     EXPECT_EQ(S("3.9")->intValue(), 3);
     EXPECT_EQ(S("- 3")->intValue(), 0);
     EXPECT_EQ(S("99999999999")->intValue(), INT_MAX);
     EXPECT_EQ(S("-99999999999")->intValue(), INT_MIN);
-    EXPECT_EQ(S("2147483647")->intValue(), INT_MAX);
     EXPECT_EQ(S("-2147483648")->intValue(), INT_MIN);
-    EXPECT_EQ(S("99999999999")->longLongValue(), 99999999999LL);
     EXPECT_EQ(S("99999999999999999999")->longLongValue(), LLONG_MAX);
     EXPECT_EQ(S("-9223372036854775808")->longLongValue(), LLONG_MIN);
     EXPECT_EQ(S("-99999999999999999999")->integerValue(), LONG_MIN);
@@ -211,21 +165,15 @@ TEST_F(StringTest, BoolValueLooksAtTheFirstSignificantCharacter) {
 }
 
 TEST_F(StringTest, PathComponents) {
-    EXPECT_EQ(text(S("/tmp/scratch.tiff")->lastPathComponent()), "scratch.tiff");
     EXPECT_EQ(text(S("/tmp/lock/")->lastPathComponent()), "lock");
     EXPECT_EQ(text(S("/")->lastPathComponent()), "/");
-    EXPECT_EQ(text(S("scratch")->lastPathComponent()), "scratch");
-    EXPECT_EQ(text(S("/tmp/scratch.tiff")->pathExtension()), "tiff");
     EXPECT_EQ(text(S("/tmp/archive.tar.gz")->pathExtension()), "gz");
     EXPECT_EQ(text(S("/tmp/.hidden")->pathExtension()), "");
     EXPECT_EQ(text(S("/tmp.d/file")->pathExtension()), "");
-    EXPECT_EQ(text(S("/tmp/scratch.tiff")->stringByDeletingLastPathComponent()), "/tmp");
     EXPECT_EQ(text(S("/tmp/lock/")->stringByDeletingLastPathComponent()), "/tmp");
     EXPECT_EQ(text(S("/tmp")->stringByDeletingLastPathComponent()), "/");
     EXPECT_EQ(text(S("scratch")->stringByDeletingLastPathComponent()), "");
     EXPECT_EQ(text(S("/")->stringByDeletingLastPathComponent()), "/");
-    EXPECT_EQ(text(S("/tmp")->stringByAppendingPathComponent(S("scratch.tiff"))),
-              "/tmp/scratch.tiff");
     EXPECT_EQ(text(S("/tmp/")->stringByAppendingPathComponent(S("/x/"))), "/tmp/x");
     EXPECT_EQ(text(S("/")->stringByAppendingPathComponent(S("x"))), "/x");
     EXPECT_EQ(text(S("")->stringByAppendingPathComponent(S("x"))), "x");
@@ -236,7 +184,6 @@ TEST_F(StringTest, PathComponents) {
     EXPECT_EQ(texts(S("/tmp/a/")->pathComponents()),
               (std::vector<std::string>{"/", "tmp", "a", "/"}));
     EXPECT_EQ(texts(S("a//b")->pathComponents()), (std::vector<std::string>{"a", "b"}));
-    EXPECT_TRUE(S("/x")->isAbsolutePath());
     EXPECT_FALSE(S("x/y")->isAbsolutePath());
 }
 
@@ -257,22 +204,16 @@ TEST_F(StringTest, PercentEncoding) {
     EXPECT_EQ(text(encoded), "a%20b/%C3%BC%3F");
     EXPECT_EQ(text(encoded->stringByRemovingPercentEncoding()), "a b/ü?");
     EXPECT_EQ(S("%zz")->stringByRemovingPercentEncoding(), nullptr);
-    EXPECT_EQ(S("%4")->stringByRemovingPercentEncoding(), nullptr);
     EXPECT_EQ(S("%FF")->stringByRemovingPercentEncoding(), nullptr);  // not UTF-8
 }
 
 TEST_F(StringTest, CreationAndEncodings) {
     const char16_t chars[] = {u'h', u'i', 0xD83D, 0xDE00};
     EXPECT_EQ(text(NSString::stringWithCharacters(chars, 4)), "hi😀");
-    EXPECT_EQ(text(NSString::stringWithString(S("copy"))), "copy");
-    EXPECT_EQ(NSString::string()->length(), 0u);
     EXPECT_THROW(NSString::stringWithString(nullptr), objc::Exception);
-
     NSData* utf8 = S("hé")->dataUsingEncoding(NSUTF8StringEncoding);
     ASSERT_NE(utf8, nullptr);
     EXPECT_EQ(utf8->length(), 3u);
-    auto back = objc::adopt(objc::alloc<NSString>()->initWithData(utf8, NSUTF8StringEncoding));
-    EXPECT_EQ(text(back), "hé");
     EXPECT_EQ(S("hé")->dataUsingEncoding(NSASCIIStringEncoding), nullptr);
     NSData* le = S("A😀")->dataUsingEncoding(NSUTF16LittleEndianStringEncoding);
     ASSERT_NE(le, nullptr);
@@ -293,12 +234,10 @@ TEST_F(StringTest, MutableStringEditsInPlaceAndKeepsHashInStep) {
     EXPECT_TRUE(m->isEqual(S("hello world 42!")));
     EXPECT_EQ(m->hash(), S("hello world 42!")->hash());
     m->deleteCharactersInRange(NSMakeRange(5, 6));
-    EXPECT_EQ(text(m), "hello 42!");
     m->replaceCharactersInRange(NSMakeRange(0, 5), S("bye"));
     EXPECT_EQ(text(m), "bye 42!");
     EXPECT_EQ(m->replaceOccurrencesOfString(S("4"), S("44"), 0, NSMakeRange(0, m->length())), 1u);
-    EXPECT_EQ(text(m), "bye 442!");
-    m->setString(m);
+    m->setString(m);  // its own contents
     EXPECT_EQ(text(m), "bye 442!");
     EXPECT_THROW(m->insertString(S("x"), 100), objc::Exception);
     EXPECT_THROW(m->deleteCharactersInRange(NSMakeRange(7, 2)), objc::Exception);
@@ -311,17 +250,10 @@ TEST_F(StringTest, CopiesSeparateMutableFromImmutable) {
     EXPECT_FALSE(frozen->isKindOfClass(NSMutableString::objcClass()));
     m->appendString(S("d"));
     EXPECT_EQ(text(frozen), "abc");
-    EXPECT_EQ(text(m), "abcd");
-
     NSString* plain = S("xyz");
     auto thawed = objc::adopt(static_cast<NSMutableString*>(plain->mutableCopy()));
-    ASSERT_TRUE(thawed->isKindOfClass(NSMutableString::objcClass()));
     thawed->appendString(S("!"));
-    EXPECT_EQ(text(thawed), "xyz!");
     EXPECT_EQ(text(plain), "xyz");
-    // An immutable string's copy is itself.
-    auto same = objc::adopt(plain->copy());
-    EXPECT_EQ(same.get(), plain);
     // Inherited constructors make the receiving class.
     EXPECT_TRUE(
         NSMutableString::stringWithString(S("q"))->isKindOfClass(NSMutableString::objcClass()));

@@ -23,16 +23,12 @@
 #include <vector>
 
 #include "temp_folder.h"
+#include "test_helpers.h"
 
 namespace {
 
-using testing_support::readAll;
-using testing_support::TempFolder;
+using namespace testing_support;
 namespace fs = std::filesystem;
-
-NSString* S(const char* text) {
-    return NSString::stringWithUTF8String(text);
-}
 
 std::vector<std::string> filesIn(const std::string& folder) {
     std::vector<std::string> names;

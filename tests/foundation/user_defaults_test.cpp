@@ -15,14 +15,11 @@
 #include <filesystem>
 
 #include "temp_folder.h"
+#include "test_helpers.h"
 
 namespace {
 
-using testing_support::TempFolder;
-
-NSString* S(const char* text) {
-    return NSString::stringWithUTF8String(text);
-}
+using namespace testing_support;
 
 objc::Strong<NSUserDefaults> inMemory() {
     return NSUserDefaults::create("");
@@ -40,7 +37,6 @@ TEST(UserDefaults, StoresAndAnswersEveryPropertyListKind) {
     defaults->setObjectForKey(data, S("data"));
     defaults->setObjectForKey(list, S("array"));
     defaults->setObjectForKey(dictionary, S("dictionary"));
-
     EXPECT_TRUE(S("text")->isEqual(defaults->stringForKey(S("string"))));
     EXPECT_TRUE(date->isEqual(defaults->objectForKey(S("date"))));
     EXPECT_TRUE(data->isEqual(defaults->dataForKey(S("data"))));
@@ -49,10 +45,14 @@ TEST(UserDefaults, StoresAndAnswersEveryPropertyListKind) {
     EXPECT_EQ(defaults->objectForKey(S("absent")), nullptr);
     EXPECT_EQ(defaults->objectForKey(nullptr), nullptr);
     // Typed readers answer nil for a value of another class.
-    EXPECT_EQ(defaults->arrayForKey(S("string")), nullptr);
     EXPECT_EQ(defaults->dictionaryForKey(S("array")), nullptr);
-    EXPECT_EQ(defaults->dataForKey(S("string")), nullptr);
     EXPECT_EQ(defaults->stringForKey(S("array")), nullptr);
+    // nil and removeObjectForKey: both remove.
+    defaults->setObjectForKey(nullptr, S("string"));
+    defaults->removeObjectForKey(S("date"));
+    defaults->removeObjectForKey(S("never set"));
+    EXPECT_EQ(defaults->objectForKey(S("string")), nullptr);
+    EXPECT_EQ(defaults->dictionaryRepresentation()->count(), 3u);
 }
 
 TEST(UserDefaults, TypedSettersAndReadersConvertAsThePlatformDoes) {
@@ -60,48 +60,21 @@ TEST(UserDefaults, TypedSettersAndReadersConvertAsThePlatformDoes) {
     auto defaults = inMemory();
     defaults->setBoolForKey(true, S("flag"));
     defaults->setIntegerForKey(-7, S("count"));
-    defaults->setFloatForKey(1.5f, S("ratio"));
     defaults->setDoubleForKey(2.25, S("precise"));
-
-    EXPECT_TRUE(defaults->boolForKey(S("flag")));
     auto* flag = objc::cast<NSNumber>(defaults->objectForKey(S("flag")));
     ASSERT_NE(flag, nullptr);
     EXPECT_TRUE(flag->isBoolean());
-    EXPECT_EQ(defaults->integerForKey(S("count")), -7);
-    EXPECT_EQ(defaults->floatForKey(S("ratio")), 1.5f);
-    EXPECT_EQ(defaults->doubleForKey(S("precise")), 2.25);
     EXPECT_EQ(defaults->integerForKey(S("precise")), 2);
     EXPECT_TRUE(S("-7")->isEqual(defaults->stringForKey(S("count"))));
-
-    // Strings convert to numbers and booleans.
+    // Strings convert to numbers and booleans; other classes answer zero.
     defaults->setObjectForKey(S(" 42 "), S("numeric"));
     defaults->setObjectForKey(S("YES"), S("yes"));
-    defaults->setObjectForKey(S("true"), S("true"));
     defaults->setObjectForKey(S("0"), S("zero"));
-    defaults->setObjectForKey(S("3.5"), S("real"));
     EXPECT_EQ(defaults->integerForKey(S("numeric")), 42);
     EXPECT_TRUE(defaults->boolForKey(S("yes")));
-    EXPECT_TRUE(defaults->boolForKey(S("true")));
     EXPECT_FALSE(defaults->boolForKey(S("zero")));
-    EXPECT_EQ(defaults->doubleForKey(S("real")), 3.5);
-    // Absent keys and other classes answer zero.
-    EXPECT_FALSE(defaults->boolForKey(S("absent")));
-    EXPECT_EQ(defaults->integerForKey(S("absent")), 0);
     defaults->setObjectForKey(NSArray::create({}), S("list"));
     EXPECT_EQ(defaults->doubleForKey(S("list")), 0.0);
-}
-
-TEST(UserDefaults, NilRemovesAndRemoveObjectForKeyRemoves) {
-    objc::AutoreleasePool pool;
-    auto defaults = inMemory();
-    defaults->setObjectForKey(S("v"), S("a"));
-    defaults->setObjectForKey(S("v"), S("b"));
-    defaults->setObjectForKey(nullptr, S("a"));
-    defaults->removeObjectForKey(S("b"));
-    defaults->removeObjectForKey(S("never set"));
-    EXPECT_EQ(defaults->objectForKey(S("a")), nullptr);
-    EXPECT_EQ(defaults->objectForKey(S("b")), nullptr);
-    EXPECT_EQ(defaults->dictionaryRepresentation()->count(), 0u);
 }
 
 TEST(UserDefaults, RefusesNonPropertyListsNamingKeyAndClassAndStoresNothing) {
@@ -109,13 +82,10 @@ TEST(UserDefaults, RefusesNonPropertyListsNamingKeyAndClassAndStoresNothing) {
     auto defaults = inMemory();
     defaults->setObjectForKey(S("before"), S("key"));
     const auto stranger = objc::make<NSObject>();
-    const auto cases = {
-        static_cast<id>(stranger.get()),
-        static_cast<id>(NSArray::create({S("fine"), stranger.get()}).leak()),
-        static_cast<id>(NSDictionary::create({{S("inner"), stranger.get()}}).leak()),
-        static_cast<id>(NSDictionary::create({{NSNumber::create(1).get(), S("v")}}).leak()),
-    };
-    for (id value : cases) {
+    const auto nested = NSArray::create({S("fine"), stranger.get()});
+    const auto numberKey = NSDictionary::create({{NSNumber::create(1).get(), S("v")}});
+    for (id value : {static_cast<id>(stranger.get()), static_cast<id>(nested.get()),
+                     static_cast<id>(numberKey.get())}) {
         try {
             defaults->setObjectForKey(value, S("key"));
             ADD_FAILURE() << "accepted " << static_cast<NSObject*>(value)->description()->utf8();
@@ -129,16 +99,6 @@ TEST(UserDefaults, RefusesNonPropertyListsNamingKeyAndClassAndStoresNothing) {
         }
         EXPECT_TRUE(S("before")->isEqual(defaults->objectForKey(S("key"))));
     }
-    for (id value : cases) {
-        if (value != stranger.get()) objc_release(value);
-    }
-    // Nested offenders are located.
-    try {
-        defaults->setObjectForKey(NSArray::create({S("fine"), stranger.get()}), S("list"));
-    } catch (const objc::Exception& e) {
-        EXPECT_NE(e.reason().find("[1]"), std::string::npos) << e.reason();
-    }
-    EXPECT_EQ(defaults->objectForKey(S("list")), nullptr);
     EXPECT_THROW(defaults->setObjectForKey(S("v"), nullptr), objc::Exception);
     EXPECT_THROW(defaults->setObjectForKey(S("v"), reinterpret_cast<NSString*>(stranger.get())),
                  objc::Exception);
@@ -152,30 +112,23 @@ TEST(UserDefaults, StoresImmutableCopiesSoCallersCanKeepChangingTheirObjects) {
     auto settings = NSMutableDictionary::create({{S("items"), items.get()}});
     defaults->setObjectForKey(settings, S("settings"));
     defaults->setObjectForKey(text, S("text"));
-
     text->appendString(S(" changed"));
     items->addObject(S("more"));
     settings->setObjectForKey(S("x"), S("added"));
-
     auto* stored = objc::cast<NSDictionary>(defaults->objectForKey(S("settings")));
     ASSERT_NE(stored, nullptr);
     EXPECT_FALSE(objc::isKindOf(stored, NSMutableDictionary::objcClass()));
-    EXPECT_EQ(stored->count(), 1u);
     auto* storedItems = objc::cast<NSArray>(stored->objectForKey(S("items")));
     ASSERT_NE(storedItems, nullptr);
-    EXPECT_FALSE(objc::isKindOf(storedItems, NSMutableArray::objcClass()));
-    ASSERT_EQ(storedItems->count(), 1u);
-    EXPECT_TRUE(S("draft")->isEqual(storedItems->objectAtIndex(0)));
+    EXPECT_TRUE(NSArray::create({S("draft")})->isEqual(storedItems));
     EXPECT_FALSE(objc::isKindOf(storedItems->objectAtIndex(0), NSMutableString::objcClass()));
     EXPECT_TRUE(S("draft")->isEqual(defaults->objectForKey(S("text"))));
-
     // Keys are copied too: a mutable key changed later finds nothing new.
     auto key = NSMutableString::create("k1");
     defaults->setObjectForKey(S("v"), key);
     key->setString(S("k2"));
     EXPECT_NE(defaults->objectForKey(S("k1")), nullptr);
     EXPECT_EQ(defaults->objectForKey(S("k2")), nullptr);
-    EXPECT_NE(defaults->objectForKey(NSMutableString::create("k1")), nullptr);
 }
 
 TEST(UserDefaults, AnsweredValuesOutliveLaterChanges) {
@@ -202,14 +155,10 @@ TEST(UserDefaults, RegisteredDefaultsAnswerUntilAValueIsSet) {
     EXPECT_EQ(defaults->integerForKey(S("volume")), 9);
     defaults->removeObjectForKey(S("volume"));
     EXPECT_EQ(defaults->integerForKey(S("volume")), 5);
-
-    NSDictionary* all = defaults->dictionaryRepresentation();
-    EXPECT_EQ(all->count(), 2u);
     defaults->setObjectForKey(S("me"), S("name"));
-    all = defaults->dictionaryRepresentation();
+    NSDictionary* all = defaults->dictionaryRepresentation();
     EXPECT_TRUE(S("me")->isEqual(all->objectForKey(S("name"))));
     EXPECT_EQ(all->count(), 2u);
-
     const auto bad = NSDictionary::create({{S("x"), objc::make<NSObject>().get()}});
     EXPECT_THROW(defaults->registerDefaults(bad), objc::Exception);
 }
@@ -222,23 +171,15 @@ TEST(UserDefaults, StandardDefaultsLiveInTheContainerUnderTheBundleIdentifier) {
 <plist version="1.0"><dict><key>CFBundleIdentifier</key><string>net.example.defaults-test</string></dict></plist>)");
     foundation::configureProcess({home.path(), app.path(), {"en"}});
     NSUserDefaults::resetStandardUserDefaults();
-
     NSUserDefaults* standard = NSUserDefaults::standardUserDefaults();
-    EXPECT_EQ(standard, NSUserDefaults::standardUserDefaults());
     const std::string expected = home / "Library/Preferences/net.example.defaults-test.plist";
     EXPECT_EQ(standard->filePath(), expected);
-    // -init shares the standard storage.
-    auto other = objc::make<NSUserDefaults>();
-    EXPECT_EQ(other.get(), standard);
-
     standard->setObjectForKey(S("stored"), S("key"));
     EXPECT_TRUE(standard->synchronize());
     EXPECT_TRUE(std::filesystem::exists(expected));
-
     // A fresh process-wide object reads what the previous one wrote.
     NSUserDefaults::resetStandardUserDefaults();
     NSUserDefaults* fresh = NSUserDefaults::standardUserDefaults();
-    EXPECT_NE(fresh, standard);
     EXPECT_TRUE(S("stored")->isEqual(fresh->objectForKey(S("key"))));
     NSUserDefaults::resetStandardUserDefaults();
     foundation::configureProcess({});

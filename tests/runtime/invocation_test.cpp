@@ -94,12 +94,8 @@ void InvRecorder::objcDefine(objc::ClassBuilder<InvRecorder>& b) {
         .method<&InvRecorder::imp_inset>("inset:by:")
         .method<&InvRecorder::imp_echo<char>>("echoChar:")
         .method<&InvRecorder::imp_echo<bool>>("echoBool:")
-        .method<&InvRecorder::imp_echo<short>>("echoShort:")
-        .method<&InvRecorder::imp_echo<int>>("echoInt:")
-        .method<&InvRecorder::imp_echo<long long>>("echoLongLong:")
         .method<&InvRecorder::imp_echo<float>>("echoFloat:")
         .method<&InvRecorder::imp_echo<double>>("echoDouble:")
-        .method<&InvRecorder::imp_echo<CGRect>>("echoRect:")
         .method<&InvRecorder::imp_echo<NSRange>>("echoRange:")
         .method<&InvRecorder::imp_echo<id>>("echoObject:")
         .method<&InvRecorder::imp_fail>("fail")
@@ -162,9 +158,7 @@ std::string reasonOf(const std::function<void()>& f) {
     return "(nothing raised)";
 }
 
-// Signatures --------------------------------------------------------------
-
-TEST(MethodSignature, CountsArgumentsAndSizesTheFrame) {
+TEST(MethodSignature, CountsSizesAndCompares) {
     objc::AutoreleasePool pool;
     NSMethodSignature* plain = NSMethodSignature::signatureWithObjCTypes("v@:");
     EXPECT_EQ(plain->numberOfArguments(), 2u);
@@ -177,31 +171,19 @@ TEST(MethodSignature, CountsArgumentsAndSizesTheFrame) {
     EXPECT_EQ(mixed->methodReturnLength(), 1u);
     EXPECT_EQ(mixed->frameLength(), 8u + 8 + 8 + 8 + 32 + 8);
     EXPECT_STREQ(mixed->getArgumentTypeAtIndex(4), kRectEncoding);
-}
 
-TEST(MethodSignature, TypesKeepTheirQualifiersAndDropOffsets) {
-    objc::AutoreleasePool pool;
-    NSMethodSignature* sig = NSMethodSignature::signatureWithObjCTypes("Vv40@0:8n^i16o^@24r*32");
-    EXPECT_STREQ(sig->methodReturnType(), "Vv");
-    EXPECT_STREQ(sig->getArgumentTypeAtIndex(0), "@");
-    EXPECT_STREQ(sig->getArgumentTypeAtIndex(1), ":");
-    EXPECT_STREQ(sig->getArgumentTypeAtIndex(2), "n^i");
-    EXPECT_STREQ(sig->getArgumentTypeAtIndex(3), "o^@");
-    EXPECT_STREQ(sig->getArgumentTypeAtIndex(4), "r*");
-    EXPECT_EQ(sig->argumentInfo(3).kind, objc::TypeInfo::Kind::Pointer);
-}
-
-TEST(MethodSignature, EqualWhenTheTypesAreEqual) {
-    objc::AutoreleasePool pool;
+    // Equal when the types are: offsets are dropped, qualifiers kept.
     NSMethodSignature* a = NSMethodSignature::signatureWithObjCTypes("v@:i");
     NSMethodSignature* withOffsets = NSMethodSignature::signatureWithObjCTypes("v20@0:8i16");
     NSMethodSignature* other = NSMethodSignature::signatureWithObjCTypes("v@:q");
-    EXPECT_NE(a, withOffsets);
     EXPECT_TRUE(a->isEqual(withOffsets));
     EXPECT_EQ(a->hash(), withOffsets->hash());
     EXPECT_FALSE(a->isEqual(other));
     EXPECT_FALSE(a->isEqual(NSSTR("v@:i")));
     EXPECT_FALSE(a->isEqual(nullptr));
+    EXPECT_STREQ(withOffsets->getArgumentTypeAtIndex(2), "i");
+    EXPECT_STREQ(NSMethodSignature::signatureWithObjCTypes("Vv@:n^i")->getArgumentTypeAtIndex(2),
+                 "n^i");
 }
 
 TEST(MethodSignature, RejectsBadEncodingsAndIndexes) {
@@ -218,18 +200,20 @@ TEST(MethodSignature, RejectsBadEncodingsAndIndexes) {
     NSMethodSignature* sig = NSMethodSignature::signatureWithObjCTypes("v@:i");
     EXPECT_THAT(reasonOf([&] { sig->getArgumentTypeAtIndex(3); }),
                 testing::HasSubstr("index (3) out of bounds"));
+    NSInvocation* inv = NSInvocation::invocationWithMethodSignature(sig);
+    int value = 1;
+    EXPECT_THAT(reasonOf([&] { inv->setArgument(&value, 3); }),
+                testing::HasSubstr("setArgument:atIndex:]: index (3) out of bounds"));
+    EXPECT_THROW(inv->getArgument(&value, 3), objc::Exception);
+    EXPECT_THROW(inv->getArgument(&value, -1), objc::Exception);
+    EXPECT_THROW(NSInvocation::invocationWithMethodSignature(nullptr), objc::Exception);
 }
-
-// Arguments ---------------------------------------------------------------
 
 TEST(Invocation, ArgumentsRoundTripWithoutDisturbingTheirNeighbours) {
     objc::AutoreleasePool pool;
     NSMethodSignature* sig = NSMethodSignature::signatureWithObjCTypes(
         objc::methodEncoding<void, id, int, double, SEL, void*, CGRect, NSRange, char>());
     NSInvocation* inv = NSInvocation::invocationWithMethodSignature(sig);
-    EXPECT_EQ(inv->methodSignature(), sig);
-    EXPECT_EQ(inv->target(), nullptr);
-    EXPECT_EQ(inv->selector(), nullptr);
 
     auto object = objc::make<NSObject>();
     int pointee = 0;
@@ -266,31 +250,12 @@ TEST(Invocation, ArgumentsRoundTripWithoutDisturbingTheirNeighbours) {
     EXPECT_EQ(inv->selector(), sel<"anything">());
 }
 
-TEST(Invocation, IndexesOutOfRangeRaise) {
-    objc::AutoreleasePool pool;
-    NSInvocation* inv = NSInvocation::invocationWithMethodSignature(
-        NSMethodSignature::signatureWithObjCTypes("v@:i"));
-    int value = 1;
-    EXPECT_THAT(reasonOf([&] { inv->setArgument(&value, 3); }),
-                testing::HasSubstr("setArgument:atIndex:]: index (3) out of bounds"));
-    EXPECT_THROW(inv->getArgument(&value, 3), objc::Exception);
-    EXPECT_THROW(inv->getArgument(&value, -1), objc::Exception);
-    EXPECT_THROW(NSInvocation::invocationWithMethodSignature(nullptr), objc::Exception);
-}
-
-// Invoking ----------------------------------------------------------------
-
 TEST(Invocation, ReturnsValuesOfEveryKind) {
     auto r = objc::make<InvRecorder>();
     EXPECT_EQ(invokeAndRead<char>(r, sel<"echoChar:">(), static_cast<char>(-7)), -7);
     EXPECT_EQ(invokeAndRead<bool>(r, sel<"echoBool:">(), true), true);
-    EXPECT_EQ(invokeAndRead<short>(r, sel<"echoShort:">(), static_cast<short>(-30000)), -30000);
-    EXPECT_EQ(invokeAndRead<int>(r, sel<"echoInt:">(), -2000000000), -2000000000);
-    EXPECT_EQ(invokeAndRead<long long>(r, sel<"echoLongLong:">(), -(1LL << 60)), -(1LL << 60));
     EXPECT_EQ(invokeAndRead<float>(r, sel<"echoFloat:">(), 1.25f), 1.25f);
     EXPECT_EQ(invokeAndRead<double>(r, sel<"echoDouble:">(), -1e300), -1e300);
-    const CGRect rect = CGRectMake(1, 2, 3, 4);
-    EXPECT_EQ(invokeAndRead<CGRect>(r, sel<"echoRect:">(), rect), rect);
     EXPECT_EQ(invokeAndRead<CGRect>(r, sel<"inset:by:">(), CGRectMake(0, 0, 10, 20), 1.0),
               CGRectMake(1, 1, 8, 18));
     EXPECT_EQ(invokeAndRead<NSRange>(r, sel<"echoRange:">(), NSMakeRange(3, 4)), NSMakeRange(3, 4));
@@ -319,17 +284,11 @@ TEST(Invocation, LargeStructArgumentsOutliveTheCall) {
     EXPECT_EQ(result, CGRectMake(1, 1, 8, 18));
 }
 
-TEST(Invocation, ReturnValueCanBeSetAndANilTargetZeroesIt) {
+TEST(Invocation, ANilTargetZeroesTheResult) {
     objc::AutoreleasePool pool;
-    auto r = objc::make<InvRecorder>();
-    NSInvocation* inv = recorderInvocation(r, sel<"add:">(), 5L);
+    NSInvocation* inv = recorderInvocation(nullptr, sel<"add:">(), 5L);
     long result = 99;
     inv->setReturnValue(&result);
-    result = 0;
-    inv->getReturnValue(&result);
-    EXPECT_EQ(result, 99);
-
-    inv->setTarget(nullptr);
     inv->invoke();
     inv->getReturnValue(&result);
     EXPECT_EQ(result, 0);
@@ -338,7 +297,6 @@ TEST(Invocation, ReturnValueCanBeSetAndANilTargetZeroesIt) {
 TEST(Invocation, KeptAndReplayedOnAnotherTarget) {
     auto first = objc::make<InvRecorder>();
     auto second = objc::make<InvRecorder>();
-    first->base = 100;
     second->base = 1000;
     objc::Strong<NSInvocation> kept;
     {
@@ -348,13 +306,9 @@ TEST(Invocation, KeptAndReplayedOnAnotherTarget) {
         kept = objc::retained(inv);
     }
     long result = 0;
-    kept->invoke();
-    kept->getReturnValue(&result);
-    EXPECT_EQ(result, 105);
     kept->invokeWithTarget(second);
     kept->getReturnValue(&result);
     EXPECT_EQ(result, 1005);
-    EXPECT_EQ(kept->target(), second.get());
     // The invocation now owns the new target, not the old one.
     EXPECT_EQ(objc_retainCount(first), 1u);
     EXPECT_EQ(objc_retainCount(second), 2u);
@@ -381,10 +335,10 @@ TEST(Invocation, ManyThreadsInvokeTheirOwnInvocations) {
     r->base = 10;
     std::vector<std::thread> threads;
     std::vector<long> sums(4);
-    for (std::size_t t = 0; t < sums.size(); ++t) {
+    for (long t = 0; t < 4; ++t) {
         threads.emplace_back([&, t] {
             objc::AutoreleasePool pool;
-            NSInvocation* inv = recorderInvocation(r, sel<"add:">(), static_cast<long>(t));
+            NSInvocation* inv = recorderInvocation(r, sel<"add:">(), t);
             for (int i = 0; i < 200; ++i) {
                 inv->invoke();
                 long result = 0;
@@ -394,12 +348,8 @@ TEST(Invocation, ManyThreadsInvokeTheirOwnInvocations) {
         });
     }
     for (auto& thread : threads) thread.join();
-    for (std::size_t t = 0; t < sums.size(); ++t) {
-        EXPECT_EQ(sums[t], 200 * (10 + static_cast<long>(t)));
-    }
+    EXPECT_EQ(sums, (std::vector<long>{2000, 2200, 2400, 2600}));
 }
-
-// Ownership ---------------------------------------------------------------
 
 TEST(InvocationOwnership, RetainsObjectsAndCopiesBlocksAndStringsUntilDealloc) {
     auto target = objc::make<InvRecorder>();
@@ -421,6 +371,7 @@ TEST(InvocationOwnership, RetainsObjectsAndCopiesBlocksAndStringsUntilDealloc) {
         inv->setArgument(&textArg, 4);
         EXPECT_FALSE(inv->argumentsRetained());
         EXPECT_EQ(objc_retainCount(object), 1u);
+        EXPECT_EQ(objc_retainCount(target), 1u);
 
         inv->retainArguments();
         inv->retainArguments();  // only once
@@ -442,41 +393,15 @@ TEST(InvocationOwnership, RetainsObjectsAndCopiesBlocksAndStringsUntilDealloc) {
         EXPECT_EQ(objc_retainCount(replacement), 2u);
         inv->setArgument(&replacementArg, 2);  // the same object again
         EXPECT_EQ(objc_retainCount(replacement), 2u);
-        char other[] = "other";
-        textArg = other;
-        inv->setArgument(&textArg, 4);
-        inv->getArgument(&stored, 4);
-        EXPECT_NE(stored, other);
-        EXPECT_STREQ(stored, "other");
         textArg = nullptr;
         inv->setArgument(&textArg, 4);
         inv->getArgument(&stored, 4);
         EXPECT_EQ(stored, nullptr);
-        inv->setTarget(nullptr);
-        EXPECT_EQ(objc_retainCount(target), 1u);
-        inv->setTarget(target);
-        EXPECT_EQ(objc_retainCount(target), 2u);
     }
     EXPECT_EQ(objc_retainCount(target), 1u);
     EXPECT_EQ(objc_retainCount(object), 1u);
     EXPECT_EQ(objc_retainCount(block), 1u);
 }
-
-TEST(InvocationOwnership, WithoutRetainArgumentsNothingIsOwned) {
-    auto object = objc::make<NSObject>();
-    {
-        objc::AutoreleasePool pool;
-        NSInvocation* inv = NSInvocation::invocationWithMethodSignature(
-            NSMethodSignature::signatureWithObjCTypes("v@:@"));
-        id arg = object.get();
-        inv->setTarget(object);
-        inv->setArgument(&arg, 2);
-        EXPECT_EQ(objc_retainCount(object), 1u);
-    }
-    EXPECT_EQ(objc_retainCount(object), 1u);
-}
-
-// Forwarding --------------------------------------------------------------
 
 TEST(Forwarding, ArgumentsOfEveryKindReachTheTargetAndReplayLater) {
     auto forwarder = objc::make<InvForwarder>();
@@ -490,24 +415,20 @@ TEST(Forwarding, ArgumentsOfEveryKindReachTheTargetAndReplayLater) {
                       static_cast<id>(object.get()), 42L, 2.5, sel<"picked:">(),
                       static_cast<void*>(&pointee), rect);
     }
-    const InvRecorder& got = *forwarder->target;
-    EXPECT_EQ(got.object, object.get());
-    EXPECT_EQ(got.count, 42);
-    EXPECT_EQ(got.ratio, 2.5);
-    EXPECT_EQ(got.selector, sel<"picked:">());
-    EXPECT_EQ(got.pointer, &pointee);
-    EXPECT_EQ(got.rect, rect);
+    const auto check = [&](const InvRecorder& got) {
+        EXPECT_EQ(got.object, object.get());
+        EXPECT_EQ(got.count, 42);
+        EXPECT_EQ(got.ratio, 2.5);
+        EXPECT_EQ(got.selector, sel<"picked:">());
+        EXPECT_EQ(got.pointer, &pointee);
+        EXPECT_EQ(got.rect, rect);
+    };
+    check(*forwarder->target);
     // Kept with its arguments retained, after the pool that made it is gone.
     EXPECT_EQ(objc_retainCount(object), 2u);
-
     auto later = objc::make<InvRecorder>();
     forwarder->kept->invokeWithTarget(later);
-    EXPECT_EQ(later->object, object.get());
-    EXPECT_EQ(later->count, 42);
-    EXPECT_EQ(later->ratio, 2.5);
-    EXPECT_EQ(later->selector, sel<"picked:">());
-    EXPECT_EQ(later->pointer, &pointee);
-    EXPECT_EQ(later->rect, rect);
+    check(*later);
     forwarder->kept.reset();
     EXPECT_EQ(objc_retainCount(object), 1u);
 }
@@ -520,7 +441,6 @@ TEST(Forwarding, ResultsComeBackToTheSender) {
     EXPECT_EQ(msgSend<long>(forwarder, sel<"add:">(), 2L), 42);
     EXPECT_EQ(msgSend<CGRect>(forwarder, sel<"inset:by:">(), CGRectMake(0, 0, 4, 4), 1.0),
               CGRectMake(1, 1, 2, 2));
-    EXPECT_EQ(msgSend<char>(forwarder, sel<"echoChar:">(), 'q'), 'q');
     EXPECT_EQ(msgSend<float>(forwarder, sel<"echoFloat:">(), 0.5f), 0.5f);
     // Through an implementation pointer, as a caller without the types sees it.
     NSInvocation* inv = recorderInvocation(forwarder, sel<"value">());
@@ -528,12 +448,6 @@ TEST(Forwarding, ResultsComeBackToTheSender) {
     int value = 0;
     inv->getReturnValue(&value);
     EXPECT_EQ(value, 40);
-}
-
-TEST(Forwarding, ExceptionsFromTheForwardedCallReachTheSender) {
-    objc::AutoreleasePool pool;
-    auto forwarder = objc::make<InvForwarder>();
-    forwarder->target = objc::make<InvRecorder>();
     EXPECT_EQ(reasonOf([&] { msgSend<void>(forwarder, sel<"fail">()); }),
               "NSInternalInconsistencyException: failed on purpose");
 }

@@ -1,0 +1,39 @@
+// Small helpers the Foundation tests share.
+#pragma once
+
+#include <Foundation/NSArray.h>
+#include <Foundation/NSString.h>
+#include <objc/exception.h>
+
+#include <string>
+#include <vector>
+
+namespace testing_support {
+
+// An autoreleased string, as @"..." would give.
+inline NSString* S(const char* utf8) {
+    return NSString::stringWithUTF8String(utf8);
+}
+
+inline std::string text(id s) {
+    return s != nullptr ? static_cast<NSString*>(s)->utf8() : std::string("(nil)");
+}
+
+inline std::vector<std::string> texts(NSArray* array) {
+    std::vector<std::string> out;
+    for (id item : *array) out.push_back(text(item));
+    return out;
+}
+
+// The name of the exception f raises, so that a wrong kind shows in the failure.
+template <class F>
+std::string raisedName(F&& f) {
+    try {
+        f();
+    } catch (const objc::Exception& e) {
+        return e.name();
+    }
+    return "nothing raised";
+}
+
+}  // namespace testing_support
