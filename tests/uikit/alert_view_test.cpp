@@ -11,23 +11,12 @@ TEST_F(AlertViewTest, ButtonsAreNumberedCancelFirst) {
     EXPECT_EQ(alert->cancelButtonIndex(), 0);
     EXPECT_EQ(alert->firstOtherButtonIndex(), 1);
     EXPECT_EQ(alert->addButtonWithTitle(NSSTR("More")), 2);
-    EXPECT_EQ(alert->buttonTitleAtIndex(2)->utf8(), "More");
     EXPECT_EQ(alert->buttonTitleAtIndex(3), nullptr);
     EXPECT_EQ(alert->buttonTitleAtIndex(-1), nullptr);
-    EXPECT_EQ(alert->title()->utf8(), "Title");
-    EXPECT_EQ(alert->message()->utf8(), "Message");
 
     auto plain = UIAlertView::create(nullptr, nullptr, nullptr, nullptr, NSSTR("OK"));
     EXPECT_EQ(plain->cancelButtonIndex(), -1);
     EXPECT_EQ(plain->buttonTitles(), std::vector<std::string>{"OK"});
-}
-
-TEST_F(AlertViewTest, TheVariadicInitializerHasAFixedSignature) {
-    const Method m = class_getInstanceMethod(
-        UIAlertView::objcClass(),
-        objc::sel<"initWithTitle:message:delegate:cancelButtonTitle:otherButtonTitles:">());
-    ASSERT_NE(m, nullptr);
-    EXPECT_STREQ(method_getTypeEncoding(m), "@@:@@@@@");
 }
 
 TEST_F(AlertViewTest, ShowingMakesItVisibleAndKeepsItAlive) {
@@ -41,7 +30,12 @@ TEST_F(AlertViewTest, ShowingMakesItVisibleAndKeepsItAlive) {
     EXPECT_EQ(UIAlertView::topVisibleAlert(), alert);
     EXPECT_TRUE(alert->isVisible());
     EXPECT_EQ(delegate->log, (std::vector<std::string>{"willPresent", "didPresent"}));
+    // A dismissal from code skips the click, and happens once.
+    const auto held = objc::retained(alert);
+    delegate->log.clear();
     alert->dismissWithClickedButtonIndex(0, true);
+    alert->dismissWithClickedButtonIndex(0, true);
+    EXPECT_EQ(delegate->log, (std::vector<std::string>{"willDismiss:0", "didDismiss:0"}));
     EXPECT_EQ(UIAlertView::topVisibleAlert(), nullptr);
 }
 
@@ -57,26 +51,6 @@ TEST_F(AlertViewTest, TappingTellsTheDelegateInOrder) {
     EXPECT_EQ(delegate->log,
               (std::vector<std::string>{"clicked:1", "willDismiss:1", "didDismiss:1"}));
     EXPECT_FALSE(alert->isVisible());
-}
-
-TEST_F(AlertViewTest, OnlyMessagesTheDelegateAnswersAreSent) {
-    auto delegate = objc::make<DismissOnlyDelegate>();
-    auto alert = UIAlertView::create(NSSTR("T"), nullptr, delegate.get(), NSSTR("OK"));
-    alert->show();
-    EXPECT_TRUE(alert->tapButton(0));
-    EXPECT_EQ(delegate->log, std::vector<std::string>{"didDismiss:0"});
-}
-
-TEST_F(AlertViewTest, ProgrammaticDismissalSkipsTheClick) {
-    auto delegate = objc::make<RecordingDelegate>();
-    auto alert = UIAlertView::create(NSSTR("T"), nullptr, delegate.get(), NSSTR("OK"));
-    alert->setAlertViewStyle(UIAlertViewStylePlainTextInput);
-    EXPECT_EQ(alert->alertViewStyle(), UIAlertViewStylePlainTextInput);
-    alert->show();
-    delegate->log.clear();
-    alert->dismissWithClickedButtonIndex(0, false);
-    alert->dismissWithClickedButtonIndex(0, false);  // once only
-    EXPECT_EQ(delegate->log, (std::vector<std::string>{"willDismiss:0", "didDismiss:0"}));
 }
 
 }  // namespace

@@ -12,24 +12,9 @@ TEST_F(DocumentMenuTest, KeepsACopyOfItsTypesAndItsMode) {
     types->addObject(NSSTR("public.data"));  // the caller's later change is not seen
     EXPECT_EQ(menu->typeList(), (std::vector<std::string>{"com.adobe.pdf", "public.text"}));
     EXPECT_EQ(menu->mode(), UIDocumentPickerModeOpen);
-    EXPECT_EQ(menu->documentTypes()->count(), 2u);
-    EXPECT_EQ(menu->documentPickerMode(), UIDocumentPickerModeOpen);
-    EXPECT_TRUE(menu->isKindOfClass(UIViewController::objcClass()));
-}
-
-TEST_F(DocumentMenuTest, TheInitializerIsAnOrdinaryMessage) {
-    // What a library replacing the initializer relies on: it is looked up
-    // like any other method and takes an array and an unsigned mode.
-    const Method m = class_getInstanceMethod(UIDocumentMenuViewController::objcClass(),
-                                             objc::sel<"initWithDocumentTypes:inMode:">());
-    ASSERT_NE(m, nullptr);
-    EXPECT_STREQ(method_getTypeEncoding(m), "@@:@Q");
-}
-
-TEST_F(DocumentMenuTest, ANilTypeListIsEmpty) {
-    auto menu = UIDocumentMenuViewController::create(nullptr, UIDocumentPickerModeImport);
-    EXPECT_TRUE(menu->typeList().empty());
-    EXPECT_EQ(menu->documentTypes()->count(), 0u);
+    EXPECT_TRUE(UIDocumentMenuViewController::create(nullptr, UIDocumentPickerModeImport)
+                    ->typeList()
+                    .empty());
 }
 
 TEST_F(DocumentMenuTest, OptionsRunTheirHandlerAfterTheMenuIsDismissed) {
@@ -61,7 +46,6 @@ TEST_F(DocumentMenuTest, CancellingTellsTheDelegate) {
     auto presenter = UIViewController::create();
     auto menu = UIDocumentMenuViewController::create(nullptr, UIDocumentPickerModeImport);
     menu->setDelegate(delegate.get());
-    EXPECT_EQ(menu->delegate(), delegate.get());
     presenter->presentViewController(menu.get(), false, nullptr);
     menu->cancel();
     drain();

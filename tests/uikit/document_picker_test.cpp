@@ -1,4 +1,4 @@
-// The document picker over a provider folder, and the menu that makes one.
+// The document picker over a provider folder.
 #include "uikit_fixture.h"
 
 #include <Foundation/NSArray.h>
@@ -14,21 +14,14 @@
 
 namespace fs = std::filesystem;
 
-// Logs the picker and menu delegate messages it hears.
+// Logs the picker delegate messages it hears.
 class PickerDelegate : public NSObject {
     OBJC_CLASS(PickerDelegate)
 
     std::vector<std::string> log;
     std::vector<std::string> urls;
-    objc::Strong<UIDocumentPickerViewController> picker;  // from the menu
-    UIDocumentMenuViewController* menu = nullptr;
 
   private:
-    void imp_menuDidPick(UIDocumentMenuViewController* m, UIDocumentPickerViewController* p) {
-        log.push_back("menuDidPick");
-        menu = m;
-        picker = objc::retained(p);
-    }
     void imp_didPick(id, NSURL* url) {
         log.push_back("didPick");
         urls.push_back(url->isFileURL() ? url->path()->utf8() : std::string("not a file URL"));
@@ -40,32 +33,11 @@ OBJC_DEFINE_CLASS(PickerDelegate, NSObject, "PickerDelegate")
 OBJC_REGISTER_CLASS(PickerDelegate)
 
 void PickerDelegate::objcDefine(objc::ClassBuilder<PickerDelegate>& b) {
-    b.method<&PickerDelegate::imp_menuDidPick>("documentMenu:didPickDocumentPicker:")
-        .method<&PickerDelegate::imp_didPick>("documentPicker:didPickDocumentAtURL:")
+    b.method<&PickerDelegate::imp_didPick>("documentPicker:didPickDocumentAtURL:")
         .method<&PickerDelegate::imp_cancelled>("documentPickerWasCancelled:");
 }
 
 namespace {
-
-const std::vector<std::string> kHostTypes = {
-    "com.adobe.pdf",
-    "com.microsoft.word.doc",
-    "org.openxmlformats.wordprocessingml.document",
-    "com.microsoft.excel.xls",
-    "org.openxmlformats.spreadsheetml.sheet",
-    "com.microsoft.powerpoint.ppt",
-    "org.openxmlformats.presentationml.presentation",
-};
-
-objc::Strong<NSArray> stringArray(const std::vector<std::string>& texts) {
-    std::vector<objc::Strong<NSString>> strings;
-    std::vector<id> items;
-    for (const std::string& text : texts) {
-        strings.push_back(NSString::create(text));
-        items.push_back(strings.back().get());
-    }
-    return NSArray::create(std::move(items));
-}
 
 std::string readFile(const fs::path& path) {
     std::ifstream in(path, std::ios::binary);
@@ -106,9 +78,14 @@ class DocumentPickerTest : public UIKitTest {
     static void write(const fs::path& path, const std::string& bytes) {
         std::ofstream(path, std::ios::binary) << bytes;
     }
-    objc::Strong<UIDocumentPickerViewController> picker(const std::vector<std::string>& types,
-                                                        UIDocumentPickerMode mode) {
-        return UIDocumentPickerViewController::create(stringArray(types).get(), mode);
+    // The host's types (a zip archive conforms to none of them) or public.data.
+    static objc::Strong<UIDocumentPickerViewController> picker(bool hostTypes,
+                                                               UIDocumentPickerMode mode) {
+        auto types = hostTypes
+                         ? NSArray::create({NSSTR("com.adobe.pdf"),
+                                            NSSTR("org.openxmlformats.wordprocessingml.document")})
+                         : NSArray::create({NSSTR("public.data")});
+        return UIDocumentPickerViewController::create(types.get(), mode);
     }
 
     fs::path root;
@@ -116,33 +93,23 @@ class DocumentPickerTest : public UIKitTest {
     fs::path providerFolder;
 };
 
-TEST_F(DocumentPickerTest, TheDefaultProviderLivesBesideTheContainer) {
-    EXPECT_EQ(providerFolder, root / "DocumentProviders" / "iCloud Drive");
-    const auto providers = uikit::currentDocumentProviders();
-    ASSERT_EQ(providers.size(), 1u);
-    EXPECT_EQ(providers[0].name, "iCloud Drive");
-    EXPECT_EQ(uikit::documentProviderFolder(providers[0]), providerFolder.string());
-    // A trailing slash on the home names the same container.
-    foundation::configureProcess({home.string() + "/", "", {"en"}});
-    EXPECT_EQ(uikit::defaultDocumentProviderFolder("iCloud Drive"), providerFolder.string());
-}
-
 TEST_F(DocumentPickerTest, ListsFoldersThenTheFilesWhoseTypeConforms) {
-    auto all = picker({"public.data"}, UIDocumentPickerModeImport);
-    EXPECT_EQ(all->currentFolder(), providerFolder.string());
+    auto all = picker(false, UIDocumentPickerModeImport);
+    EXPECT_EQ(all->currentFolder(), providerFolder.string());  // beside the container
     EXPECT_EQ(names(all->entries()),
               (std::vector<std::string>{"Work", "Archive.zip", "Report.pdf"}));
-    const auto entries = all->entries();
-    EXPECT_TRUE(entries[0].isFolder);
-    EXPECT_EQ(entries[2].type, "com.adobe.pdf");
+    EXPECT_EQ(all->entries()[2].type, "com.adobe.pdf");
 
-    auto documents = picker(kHostTypes, UIDocumentPickerModeImport);
+    auto documents = picker(true, UIDocumentPickerModeImport);
     EXPECT_EQ(names(documents->entries()), (std::vector<std::string>{"Work", "Report.pdf"}));
-    EXPECT_TRUE(picker({}, UIDocumentPickerModeImport)->entries().size() == 1u);  // only "Work"
+    EXPECT_EQ(UIDocumentPickerViewController::create(nullptr, UIDocumentPickerModeImport)
+                  ->entries()
+                  .size(),
+              1u);  // only "Work"
 }
 
-TEST_F(DocumentPickerTest, FoldersCanBeOpenedAndLeftButNotAboveTheProvider) {
-    auto p = picker(kHostTypes, UIDocumentPickerModeOpen);
+TEST_F(DocumentPickerTest, FoldersOpenButNotAboveTheProviderAndAMissingOneListsNothing) {
+    auto p = picker(true, UIDocumentPickerModeOpen);
     EXPECT_FALSE(p->openParentFolder());
     EXPECT_FALSE(p->openFolderAtIndex(1));  // a file
     EXPECT_FALSE(p->openFolderAtIndex(7));
@@ -150,10 +117,7 @@ TEST_F(DocumentPickerTest, FoldersCanBeOpenedAndLeftButNotAboveTheProvider) {
     EXPECT_EQ(names(p->entries()), std::vector<std::string>{"Letter.docx"});
     EXPECT_TRUE(p->openParentFolder());
     EXPECT_EQ(p->currentFolder(), providerFolder.string());
-}
 
-TEST_F(DocumentPickerTest, AMissingProviderFolderListsNothing) {
-    auto p = picker({"public.data"}, UIDocumentPickerModeImport);
     p->setProvider({"Elsewhere", (root / "missing").string()});
     EXPECT_TRUE(p->entries().empty());
     EXPECT_FALSE(p->pickFileAtIndex(0));
@@ -162,11 +126,10 @@ TEST_F(DocumentPickerTest, AMissingProviderFolderListsNothing) {
 TEST_F(DocumentPickerTest, ImportCopiesIntoTheInboxUnderAFreeName) {
     auto delegate = objc::make<PickerDelegate>();
     auto presenter = UIViewController::create();
-    auto p = picker(kHostTypes, UIDocumentPickerModeImport);
+    auto p = picker(true, UIDocumentPickerModeImport);
     p->setDelegate(delegate.get());
     const fs::path inbox = UIDocumentPickerViewController::inboxFolder();
     EXPECT_EQ(inbox.parent_path(), home / "tmp");
-    EXPECT_TRUE(inbox.filename().string().ends_with("Inbox"));
 
     presenter->presentViewController(p.get(), false, nullptr);
     drain();
@@ -191,21 +154,10 @@ TEST_F(DocumentPickerTest, ImportCopiesIntoTheInboxUnderAFreeName) {
     EXPECT_EQ(delegate->log, (std::vector<std::string>{"didPick", "didPick"}));
 }
 
-TEST_F(DocumentPickerTest, OpenModeHandsOverTheOriginal) {
-    auto delegate = objc::make<PickerDelegate>();
-    auto p = picker({"public.data"}, UIDocumentPickerModeOpen);
-    EXPECT_EQ(p->documentPickerMode(), UIDocumentPickerModeOpen);
-    p->setDelegate(delegate.get());
-    ASSERT_TRUE(p->pickFileAtIndex(1));
-    drain();
-    EXPECT_EQ(delegate->urls, std::vector<std::string>{(providerFolder / "Archive.zip").string()});
-    EXPECT_FALSE(fs::exists(UIDocumentPickerViewController::inboxFolder()));
-}
-
 TEST_F(DocumentPickerTest, CancellingTellsADelegateThatListens) {
     auto delegate = objc::make<PickerDelegate>();
     auto presenter = UIViewController::create();
-    auto p = picker({"public.data"}, UIDocumentPickerModeImport);
+    auto p = picker(false, UIDocumentPickerModeImport);
     p->setDelegate(delegate.get());
     presenter->presentViewController(p.get(), false, nullptr);
     p->cancel();
@@ -215,47 +167,11 @@ TEST_F(DocumentPickerTest, CancellingTellsADelegateThatListens) {
 
     // A delegate without the optional method is left alone.
     auto quiet = objc::make<RecordingDelegate>();
-    auto other = picker({"public.data"}, UIDocumentPickerModeImport);
+    auto other = picker(false, UIDocumentPickerModeImport);
     other->setDelegate(quiet.get());
     other->cancel();
     drain();
     EXPECT_TRUE(quiet->log.empty());
-}
-
-TEST_F(DocumentPickerTest, TheMenuHandsItsDelegateAPickerForItsTypesAndMode) {
-    uikit::DeviceProfile device = uikit::DeviceProfile::defaultProfile();
-    device.documentProviders.push_back({"Work Files", (providerFolder / "Work").string()});
-    uikit::configureDevice(device);
-
-    auto delegate = objc::make<PickerDelegate>();
-    auto presenter = UIViewController::create();
-    auto menu = UIDocumentMenuViewController::create(stringArray(kHostTypes).get(),
-                                                     UIDocumentPickerModeOpen);
-    menu->setDelegate(delegate.get());
-    ASSERT_EQ(menu->providers().size(), 2u);
-    EXPECT_EQ(menu->providers()[1].name, "Work Files");
-    EXPECT_FALSE(menu->chooseProvider(2));
-
-    presenter->presentViewController(menu.get(), false, nullptr);
-    drain();
-    ASSERT_TRUE(menu->chooseProvider(1));
-    EXPECT_EQ(presenter->presentedViewController(), nullptr);
-    drain();
-    EXPECT_EQ(delegate->log, std::vector<std::string>{"menuDidPick"});
-    EXPECT_EQ(delegate->menu, menu.get());
-    ASSERT_TRUE(delegate->picker);
-    UIDocumentPickerViewController* chosen = delegate->picker.get();
-    EXPECT_EQ(chosen->typeList(), kHostTypes);
-    EXPECT_EQ(chosen->mode(), UIDocumentPickerModeOpen);
-    EXPECT_EQ(chosen->provider().name, "Work Files");
-    EXPECT_EQ(names(chosen->entries()), std::vector<std::string>{"Letter.docx"});
-
-    // The delegate presents the picker, as the chat screen does.
-    presenter->presentViewController(chosen, false, nullptr);
-    drain();
-    EXPECT_EQ(presenter->presentedViewController(), chosen);
-    chosen->cancel();
-    drain();
 }
 
 }  // namespace

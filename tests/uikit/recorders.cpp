@@ -36,10 +36,3 @@ void RecordingDelegate::objcDefine(objc::ClassBuilder<RecordingDelegate>& b) {
         .method<&C::imp_didDismissPopover>("popoverControllerDidDismissPopover:")
         .method<&C::imp_menuCancelled>("documentMenuWasCancelled:");
 }
-
-OBJC_DEFINE_CLASS(DismissOnlyDelegate, NSObject, "DismissOnlyDelegate")
-OBJC_REGISTER_CLASS(DismissOnlyDelegate)
-
-void DismissOnlyDelegate::objcDefine(objc::ClassBuilder<DismissOnlyDelegate>& b) {
-    b.method<&DismissOnlyDelegate::imp_didDismiss>("alertView:didDismissWithButtonIndex:");
-}

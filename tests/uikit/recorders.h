@@ -54,13 +54,3 @@ class RecordingDelegate : public NSObject {
     void imp_didDismissPopover(id) { log.push_back("didDismissPopover"); }
     void imp_menuCancelled(id) { log.push_back("menuCancelled"); }
 };
-
-// Answers only alertView:didDismissWithButtonIndex:.
-class DismissOnlyDelegate : public NSObject {
-    OBJC_CLASS(DismissOnlyDelegate)
-
-    std::vector<std::string> log;
-
-  private:
-    void imp_didDismiss(id, NSInteger i) { log.push_back("didDismiss:" + std::to_string(i)); }
-};
