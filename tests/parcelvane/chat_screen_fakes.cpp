@@ -2,6 +2,7 @@
 
 #include <objc/image.h>
 #include <objc/message.h>
+#include <objc/string.h>
 
 namespace chat_fakes {
 
@@ -34,17 +35,9 @@ void twoObjects(id self, SEL sel, id first, id second) {
 }  // namespace
 
 SlotRecorder::SlotRecorder(IMP& slot, Shape shape) : slot_(slot), saved_(slot) {
-    switch (shape) {
-        case Shape::NoArguments:
-            slot_ = reinterpret_cast<IMP>(&noArguments);
-            break;
-        case Shape::OneObject:
-            slot_ = reinterpret_cast<IMP>(&oneObject);
-            break;
-        case Shape::TwoObjects:
-            slot_ = reinterpret_cast<IMP>(&twoObjects);
-            break;
-    }
+    const IMP recorders[] = {reinterpret_cast<IMP>(&noArguments), reinterpret_cast<IMP>(&oneObject),
+                             reinterpret_cast<IMP>(&twoObjects)};
+    slot_ = recorders[static_cast<int>(shape)];
 }
 
 }  // namespace chat_fakes
@@ -93,22 +86,4 @@ void FakeActionSheet::objcDefine(objc::ClassBuilder<FakeActionSheet>& b) {
 
 void FakeActionSheet::imp_addButtonWithTitle(NSString* title, Handler* handler) {
     buttons.push_back({title != nullptr ? title->utf8() : "", objc::retained(handler)});
-}
-
-OBJC_DEFINE_CLASS(FakeFileBrowser, UIViewController, "FakeFileBrowser")
-OBJC_REGISTER_CLASS(FakeFileBrowser)
-
-void FakeFileBrowser::objcDefine(objc::ClassBuilder<FakeFileBrowser>& b) {
-    b.method<&FakeFileBrowser::imp_dismissViewControllerAnimated>(
-        "dismissViewControllerAnimated:completion:");
-}
-
-void FakeFileBrowser::imp_dismissViewControllerAnimated(bool animated, Completion* completion) {
-    ++dismissals;
-    dismissedAnimated = animated;
-    pendingCompletion = objc::retained(completion);
-}
-
-void FakeFileBrowser::finishDismissal() {
-    if (const objc::Strong<Completion> completion = std::move(pendingCompletion)) (*completion)();
 }

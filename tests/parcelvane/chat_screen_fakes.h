@@ -1,7 +1,6 @@
-// Stand-ins for the host's side of the chat hooks: a chat screen that records
-// what the hooks ask of it, the host's document attachment (registered under
-// the host's class name, which this test program does not otherwise have), an
-// action sheet, a file browser, and the slots' passed-on calls.
+// Stand-ins for the host's side of the chat hooks: a chat screen and an
+// action sheet that record what the hooks ask of them, and recorders for
+// the calls a hook passes on through its slot.
 #pragma once
 
 #include "hooks/hook_slots.h"
@@ -44,8 +43,7 @@ class SlotRecorder {
 
 }  // namespace chat_fakes
 
-// The chat screen: records sendDocumentAttachment:, sendParcelvaneFile and
-// _presentForCurrentInterface:.
+// Records sendDocumentAttachment:, sendParcelvaneFile and _presentForCurrentInterface:.
 class FakeChatScreen : public UIViewController {
     OBJC_CLASS(FakeChatScreen)
 
@@ -57,7 +55,7 @@ class FakeChatScreen : public UIViewController {
     void imp_presentForCurrentInterface(id controller);
 };
 
-// Registered as "WADocumentAttachment".
+// Registered as "WADocumentAttachment", which this test program lacks.
 class FakeDocumentAttachment : public NSObject {
     OBJC_CLASS(FakeDocumentAttachment)
 
@@ -85,21 +83,4 @@ class FakeActionSheet : public NSObject {
 
   private:
     void imp_addButtonWithTitle(NSString* title, Handler* handler);
-};
-
-// The tools library's file browser: keeps the completion of its dismissal
-// until the test finishes the transition.
-class FakeFileBrowser : public UIViewController {
-    OBJC_CLASS(FakeFileBrowser)
-
-    FakeFileBrowser() = default;
-
-    int dismissals = 0;
-    bool dismissedAnimated = false;
-    objc::Strong<Completion> pendingCompletion;
-    // Runs the kept completion, as the end of the transition would.
-    void finishDismissal();
-
-  private:
-    void imp_dismissViewControllerAnimated(bool animated, Completion* completion);
 };

@@ -1,7 +1,5 @@
-// Watches what reaches the standard user defaults while it lives: the
-// implementations of setObject:forKey:, addObserver:forKeyPath:options:context:
-// and removeObserver:forKeyPath: are wrapped (and restored afterwards), so
-// every call is recorded and then passed on. One spy at a time, on one thread.
+// Records every -[NSUserDefaults setObject:forKey:] while it lives (and passes
+// it on), to tell which keys were written and with what. One spy at a time.
 #pragma once
 
 #include <Foundation/NSUserDefaults.h>
@@ -21,63 +19,36 @@ class DefaultsSpy {
         objc::Strong<objc_object> value;
         std::string key;
     };
-    struct Registration {
-        id observer;
-        std::string keyPath;
-        NSUInteger options = 0;
-        void* context = nullptr;
-    };
 
     DefaultsSpy() {
         current() = this;
-        setObject_ = swap("setObject:forKey:", reinterpret_cast<IMP>(&spySetObject));
-        addObserver_ =
-            swap("addObserver:forKeyPath:options:context:", reinterpret_cast<IMP>(&spyAdd));
-        removeObserver_ = swap("removeObserver:forKeyPath:", reinterpret_cast<IMP>(&spyRemove));
+        saved_ = method_setImplementation(method(), reinterpret_cast<IMP>(&spySetObject));
     }
     ~DefaultsSpy() {
-        swap("setObject:forKey:", setObject_);
-        swap("addObserver:forKeyPath:options:context:", addObserver_);
-        swap("removeObserver:forKeyPath:", removeObserver_);
+        method_setImplementation(method(), saved_);
         current() = nullptr;
     }
     DefaultsSpy(const DefaultsSpy&) = delete;
     DefaultsSpy& operator=(const DefaultsSpy&) = delete;
 
     std::vector<Write> writes;
-    std::vector<Registration> added;
-    std::vector<Registration> removed;
 
   private:
     static DefaultsSpy*& current() {
         static DefaultsSpy* spy = nullptr;
         return spy;
     }
-    static IMP swap(const char* selector, IMP imp) {
-        const Method m =
-            class_getInstanceMethod(NSUserDefaults::objcClass(), sel_registerName(selector));
-        return method_setImplementation(m, imp);
+    static Method method() {
+        return class_getInstanceMethod(NSUserDefaults::objcClass(),
+                                       objc::sel<"setObject:forKey:">());
     }
-    static std::string text(NSString* s) { return s != nullptr ? s->utf8() : "(nil)"; }
-
     static void spySetObject(id self, SEL sel, id value, NSString* key) {
-        current()->writes.push_back({objc::retained(value), text(key)});
-        objc::callImp<void>(current()->setObject_, self, sel, value, key);
-    }
-    static void spyAdd(id self, SEL sel, id observer, NSString* keyPath, NSUInteger options,
-                       void* context) {
-        current()->added.push_back({observer, text(keyPath), options, context});
-        objc::callImp<void>(current()->addObserver_, self, sel, observer, keyPath, options,
-                            context);
-    }
-    static void spyRemove(id self, SEL sel, id observer, NSString* keyPath) {
-        current()->removed.push_back({observer, text(keyPath), 0, nullptr});
-        objc::callImp<void>(current()->removeObserver_, self, sel, observer, keyPath);
+        current()->writes.push_back(
+            {objc::retained(value), key != nullptr ? key->utf8() : "(nil)"});
+        objc::callImp<void>(current()->saved_, self, sel, value, key);
     }
 
-    IMP setObject_ = nullptr;
-    IMP addObserver_ = nullptr;
-    IMP removeObserver_ = nullptr;
+    IMP saved_ = nullptr;
 };
 
 }  // namespace parcelvane_testing

@@ -1,75 +1,50 @@
 #include "hook_probe_toolkit.h"
 
+#include <Foundation/NSArray.h>
+
+#include <objc/string.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <initializer_list>
-#include <map>
 
 namespace probe {
 
-[[noreturn]] void fail(const std::string& what) {
-    std::printf("FAIL: %s\n", what.c_str());
-    std::fflush(stdout);
-    std::exit(1);
-}
-
 void check(bool ok, const std::string& what) {
-    if (!ok) fail(what);
-    std::printf("ok: %s\n", what.c_str());
+    std::printf("%s: %s\n", ok ? "ok" : "FAIL", what.c_str());
+    if (!ok) {
+        std::fflush(stdout);
+        std::exit(1);
+    }
 }
 
 std::vector<Call> calls;
 
-id resultOf(const char* owner) {
-    static std::map<std::string, objc::Strong<NSString>> results;
-    auto& result = results[owner];
-    if (!result) result = NSString::create(std::string("result of ") + owner);
-    return result.get();
+const char* hostTypes(const std::string& selector) {
+    if (selector == "addSectionAtTop") return "@16@0:8";
+    static const char* const byArity[] = {"v16@0:8", "v24@0:8@16", "v32@0:8@16@24"};
+    return byArity[std::min(arity(selector), 2L)];
 }
 
 namespace {
 
-const std::map<std::string, HostMethod>& hostMethods() {
-    static const std::map<std::string, HostMethod> methods = {
-        {"initWithDocumentTypes:inMode:", {Shape::TypesAndMode, "@32@0:8@16Q24"}},
-        {"presentShareDocumentController", {Shape::NoArguments, "v16@0:8"}},
-        {"documentPicker:didPickDocumentAtURL:", {Shape::TwoObjects, "v32@0:8@16@24"}},
-        {"showActionSheet:", {Shape::OneObject, "v24@0:8@16"}},
-        {"_presentForCurrentInterface:", {Shape::OneObject, "v24@0:8@16"}},
-        {"documentMenu:didPickDocumentPicker:", {Shape::TwoObjects, "v32@0:8@16@24"}},
-        {"chatBarManagerWantsToAttachMedia:", {Shape::OneObject, "v24@0:8@16"}},
-        {"sendParcelvaneFile", {Shape::NoArguments, "v16@0:8"}},
-        {"addSectionAtTop", {Shape::ObjectResult, "@16@0:8"}},
-        {"setupTableView", {Shape::NoArguments, "v16@0:8"}},
-        {"_didToggleEnableDisable:", {Shape::OneObject, "v24@0:8@16"}},
-    };
-    return methods;
-}
+void ignore(id, SEL, id) {}
 
-}  // namespace
-
-const HostMethod& hostMethod(const std::string& selector) {
-    const auto it = hostMethods().find(selector);
-    if (it == hostMethods().end()) fail("no stand-in for " + selector);
-    return it->second;
-}
-
-namespace {
-void ignoreStyle(id, SEL, NSInteger) {}
-}  // namespace
-
-id documentPickerStandIn() {
-    const Class cls = objc_allocateClassPair(NSObject::objcClass(), "ProbeDocumentPicker", 0);
-    if (cls == nullptr) fail("could not define ProbeDocumentPicker");
-    class_addMethod(cls, sel_registerName("setModalPresentationStyle:"),
-                    reinterpret_cast<IMP>(&ignoreStyle), "v24@0:8q16");
+Class definePart(const char* name, std::initializer_list<const char*> setters) {
+    const Class cls = objc_allocateClassPair(NSObject::objcClass(), name, 0);
+    check(cls != nullptr, std::string("defined ") + name);
+    for (const char* setter : setters) {
+        // Also stands for setModalPresentationStyle:, whose argument is ignored.
+        class_addMethod(cls, sel_registerName(setter), reinterpret_cast<IMP>(&ignore),
+                        "v24@0:8@16");
+    }
     objc_registerClassPair(cls);
-    return objc::msgSend<id>(objc::msgSend<id>(cls, objc::sel<"alloc">()), objc::sel<"init">());
+    return cls;
 }
 
-namespace {
-void ignoreObject(id, SEL, id) {}
+objc::Strong<objc_object> instanceOf(Class cls) {
+    return objc::adopt(class_createInstance(cls, 0));
+}
 
 NSMutableArray* sectionList(id, SEL) {
     // One placeholder: the library inserts below the host's first section.
@@ -81,64 +56,32 @@ NSMutableArray* sectionList(id, SEL) {
     return list.get();
 }
 
-Class definePart(const char* name, std::initializer_list<const char*> setters) {
-    const Class cls = objc_allocateClassPair(NSObject::objcClass(), name, 0);
-    if (cls == nullptr) fail(std::string("could not define ") + name);
-    for (const char* setter : setters) {
-        class_addMethod(cls, sel_registerName(setter), reinterpret_cast<IMP>(&ignoreObject),
-                        "v24@0:8@16");
-    }
-    objc_registerClassPair(cls);
-    return cls;
+// The arguments every send passes; the second is the picker that
+// documentMenu:didPickDocumentPicker: styles.
+id argument(int which) {
+    static const Class cls = definePart("ProbeArgument", {"setModalPresentationStyle:"});
+    static const objc::Strong<objc_object> made[] = {instanceOf(cls), instanceOf(cls)};
+    return made[which].get();
 }
+
 }  // namespace
 
-void defineTableParts() {
+void defineTableParts(Class table) {
     definePart("WATableSection", {"setHeaderText:", "setFooterText:", "addRow:"});
     definePart("WATableRow", {"setHandler:", "setCell:"});
-}
-
-void giveSections(Class table) {
     class_addMethod(table, sel_registerName("_sections"), reinterpret_cast<IMP>(&sectionList),
                     "@16@0:8");
 }
 
 id sectionStandIn() {
-    static const objc::Strong<objc_object> section = [] {
-        const id fresh = objc::msgSend<id>(classNamed("WATableSection"), objc::sel<"alloc">());
-        return objc::adopt(objc::msgSend<id>(fresh, objc::sel<"init">()));
-    }();
-    return section.get();
+    static const objc::Strong<objc_object> made = instanceOf(classNamed("WATableSection"));
+    return made.get();
 }
 
-const Arguments& arguments() {
-    static const Arguments args;
-    return args;
-}
-
-id send(id receiver, const std::string& selector) {
-    const SEL sel = sel_registerName(selector.c_str());
-    const Arguments& a = arguments();
-    switch (hostMethod(selector).shape) {
-        case Shape::NoArguments:
-            objc::msgSend<void>(receiver, sel);
-            return nullptr;
-        case Shape::OneObject:
-            objc::msgSend<void>(receiver, sel, a.first);
-            return nullptr;
-        case Shape::TwoObjects:
-            objc::msgSend<void>(receiver, sel, a.first, a.second);
-            return nullptr;
-        case Shape::TypesAndMode:
-            return objc::msgSend<id>(receiver, sel, a.first, a.mode);
-        case Shape::ObjectResult:
-            return objc::msgSend<id>(receiver, sel);
-    }
-    return nullptr;
-}
-
-std::string describe(const char* className, const std::string& selector) {
-    return std::string("-[") + className + " " + selector + "]";
+Class classNamed(const char* name) {
+    const Class cls = objc_getClass(name);
+    check(cls != nullptr, std::string("a class ") + name);
+    return cls;
 }
 
 Method ownMethod(Class cls, const std::string& selector) {
@@ -146,115 +89,74 @@ Method ownMethod(Class cls, const std::string& selector) {
     Method* methods = class_copyMethodList(cls, &count);
     Method found = nullptr;
     for (unsigned int i = 0; i < count; ++i) {
-        if (std::strcmp(sel_getName(method_getName(methods[i])), selector.c_str()) == 0) {
-            found = methods[i];
-        }
+        if (selector == sel_getName(method_getName(methods[i]))) found = methods[i];
     }
     std::free(methods);
     return found;
 }
 
-unsigned int ownMethodCount(Class cls) {
-    unsigned int count = 0;
-    std::free(class_copyMethodList(cls, &count));
-    return count;
-}
-
-Class classNamed(const char* name) {
-    const Class cls = objc_getClass(name);
-    if (cls == nullptr) fail(std::string("no class ") + name);
-    return cls;
-}
-
-objc::Strong<objc_object> instanceOf(Class cls) {
-    return objc::adopt(class_createInstance(cls, 0));
-}
-
-void expectPassedOn(Class receiverClass, const std::string& selector, const char* owner,
-                    const std::string& what) {
-    const auto instance = instanceOf(receiverClass);
-    const id receiver = instance.get();
+void expectPassedOn(Class cls, const std::string& selector, const char* owner) {
+    const std::string what = std::string(class_getName(cls)) + " " + selector;
+    const auto instance = instanceOf(cls);
+    const SEL sel = sel_registerName(selector.c_str());
     calls.clear();
-    const id result = send(receiver, selector);
-    const SEL sent = sel_registerName(selector.c_str());
-    std::erase_if(calls, [sent](const Call& c) { return c.sel != sent; });
-    check(calls.size() == 1,
-          what + ": one implementation ran (" + std::to_string(calls.size()) + ")");
-    const Call& c = calls.front();
-    check(c.owner == owner, what + ": reached the " + owner + " implementation, not " + c.owner);
-    check(c.self == receiver && c.sel == sel_registerName(selector.c_str()),
-          what + ": with the same receiver and selector");
-    const Arguments& a = arguments();
-    switch (hostMethod(selector).shape) {
-        case Shape::OneObject:
-            check(c.first == a.first, what + ": with the same argument");
+    switch (arity(selector)) {
+        case 0:
+            if (selector == "addSectionAtTop") {
+                objc::msgSend<id>(instance.get(), sel);
+            } else {
+                objc::msgSend<void>(instance.get(), sel);
+            }
             break;
-        case Shape::TwoObjects:
-            check(c.first == a.first && c.second == a.second, what + ": with the same arguments");
+        case 1:
+            objc::msgSend<void>(instance.get(), sel, argument(0));
             break;
-        case Shape::TypesAndMode:
-            check(c.first == a.first && c.mode == a.mode, what + ": with the same arguments");
-            check(result == resultOf(owner), what + ": answering the initialiser's result");
-            break;
-        case Shape::NoArguments:
-        case Shape::ObjectResult:
-            break;
+        default:
+            objc::msgSend<void>(instance.get(), sel, argument(0), argument(1));
     }
+    // A replacement may send other messages on its way.
+    std::erase_if(calls, [sel](const Call& c) { return c.sel != sel; });
+    check(calls.size() == 1 && calls[0].owner == owner,
+          what + ": passed on once to the " + owner + " implementation");
+    const id first = arity(selector) > 0 ? argument(0) : nullptr;
+    const id second = arity(selector) > 1 ? argument(1) : nullptr;
+    check(calls[0].self == instance.get() && calls[0].first == first && calls[0].second == second,
+          what + ": with the same receiver and arguments");
 }
 
-void expectReplacedInherited(const char* className, Class implementer,
-                             const std::string& selector) {
-    const std::string what = describe(className, selector);
+void expectReplacedInherited(const char* className, const std::string& selector) {
     const Class cls = classNamed(className);
-    const Method inherited = ownMethod(implementer, selector);
+    const Method inherited =
+        class_getInstanceMethod(class_getSuperclass(cls), sel_registerName(selector.c_str()));
     const Method own = ownMethod(cls, selector);
-    check(own != nullptr, what + " was added to the class itself");
-    check(std::strcmp(method_getTypeEncoding(own), method_getTypeEncoding(inherited)) == 0,
-          what + " reuses the inherited method's type encoding");
+    check(own != nullptr && inherited != nullptr &&
+              std::strcmp(method_getTypeEncoding(own), method_getTypeEncoding(inherited)) == 0,
+          selector + " was added to " + className + " under the inherited encoding");
     check(method_getImplementation(inherited) == standIn<kBase>(selector),
-          what + ": the superclass's implementation is left alone");
-    expectPassedOn(cls, selector, kBase, what);
-}
-
-void expectReachesLater(const char* className, Class implementer, const std::string& selector) {
-    method_setImplementation(ownMethod(implementer, selector), standIn<kLater>(selector));
-    expectPassedOn(classNamed(className), selector, kLater,
-                   describe(className, selector) + " after the superclass changed");
+          selector + ": the superclass's implementation is left alone");
+    expectPassedOn(cls, selector, kBase);
 }
 
 void expectReplacedOwn(const char* className, const std::string& selector) {
-    const std::string what = describe(className, selector);
-    const Class cls = classNamed(className);
-    const Method own = ownMethod(cls, selector);
-    check(own != nullptr, what + " is still the class's own method");
-    check(method_getImplementation(own) != standIn<kOwn>(selector),
-          what + " runs another implementation now");
-    check(std::strcmp(method_getTypeEncoding(own), hostMethod(selector).types) == 0,
-          what + " keeps its type encoding");
-    expectPassedOn(cls, selector, kOwn, what);
+    const Method own = ownMethod(classNamed(className), selector);
+    check(own != nullptr && method_getImplementation(own) != standIn<kOwn>(selector) &&
+              std::strcmp(method_getTypeEncoding(own), hostTypes(selector)) == 0,
+          selector + " of " + className + " runs a replacement under its own encoding");
+    expectPassedOn(classNamed(className), selector, kOwn);
 }
 
 void expectAdded(const char* className, const std::string& selector, const char* types) {
-    const std::string what = describe(className, selector);
-    const Class cls = classNamed(className);
-    const Method own = ownMethod(cls, selector);
-    check(own != nullptr, what + " was added");
-    check(std::strcmp(method_getTypeEncoding(own), types) == 0,
-          what + " has the encoding " + types);
-    const IMP imp = method_getImplementation(own);
-    check(imp != standIn<kBase>(selector) && imp != standIn<kOwn>(selector) &&
-              imp != standIn<kLater>(selector),
-          what + " is the library's, not inherited");
+    const Method own = ownMethod(classNamed(className), selector);
+    check(own != nullptr && std::strcmp(method_getTypeEncoding(own), types) == 0 &&
+              method_getImplementation(own) != standIn<kBase>(selector),
+          selector + " was added to " + className + " as " + types);
 }
 
 void expectKeptOwn(const char* className, const std::string& selector) {
-    const std::string what = describe(className, selector);
     const Method own = ownMethod(classNamed(className), selector);
-    check(own != nullptr && method_getImplementation(own) == standIn<kOwn>(selector),
-          what + " stays the class's own implementation");
-    check(std::strcmp(method_getTypeEncoding(own), hostMethod(selector).types) == 0,
-          what + " keeps its own type encoding");
-    expectPassedOn(classNamed(className), selector, kOwn, what);
+    check(own != nullptr && method_getImplementation(own) == standIn<kOwn>(selector) &&
+              std::strcmp(method_getTypeEncoding(own), hostTypes(selector)) == 0,
+          selector + " stays " + className + "'s own");
 }
 
 }  // namespace probe

@@ -1,7 +1,5 @@
-// The installation of hook rows, on classes of this test's own: the same
-// function that installs the library's table at load, with rows whose
-// replacements pass on an initialiser's result (the shape of the document
-// menu's initialiser, whose class here is the platform's own).
+// The installation of hook rows, in order, on classes of this test's own:
+// the function that installs the library's table at load.
 #include <gtest/gtest.h>
 
 #include "hooks/hook_installation.h"
@@ -11,78 +9,98 @@
 
 #include <string>
 
-class NSArray;
-
 namespace {
 
-using parcelvane::hooks::HookRow;
+using namespace parcelvane::hooks;
 
-// What the test's rows keep; the library's own slots are not touched.
-Class savedSuperclass = nullptr;
-IMP passedOn = nullptr;
-Class missingSaved = reinterpret_cast<Class>(0x1);  // overwritten when its row is reached
-IMP missingSlot = nullptr;
-
-id replacement(id self, SEL sel, NSArray* types, NSUInteger mode) {
-    return objc::callImp<id>(passedOn, self, sel, types, mode);
-}
-
-struct Seen {
-    id self = nullptr;
-    id types = nullptr;
-    NSUInteger mode = 0;
-    std::string by;
-};
-Seen seen;
+Class savedHooked = nullptr;
+Class savedMissing = reinterpret_cast<Class>(0x1);  // overwritten when its row is reached
+Class savedOwner = nullptr;
+IMP passedHooked = nullptr;
+IMP passedMissing = nullptr;
+IMP passedOwner = nullptr;
+IMP passedAbsent = nullptr;
+std::string seen;
 
 template <char Tag>
-id initialiser(id self, SEL, NSArray* types, NSUInteger mode) {
-    seen = {self, reinterpret_cast<id>(types), mode, std::string(1, Tag)};
+id original(id, SEL, id argument) {
+    seen += Tag;
+    return argument;
+}
+template <IMP* Slot>
+id replacement(id self, SEL sel, id argument) {
+    seen += 'r';
+    return objc::callImp<id>(*Slot, self, sel, argument);
+}
+id added(id self, SEL, id) {
     return self;
 }
 
-constexpr const char* kSelector = "initWithTypesForRowsTest:mode:";
+constexpr const char* kTypes = "@24@0:8@16";
 
-TEST(HookRows, AnInheritedInitialiserPassesOnToTheSuperclassAsItIsAtEachCall) {
+Class defineClass(Class superclass, const char* name, IMP probe) {
+    const Class cls = objc_allocateClassPair(superclass, name, 0);
+    if (probe != nullptr) class_addMethod(cls, sel_registerName("probe:"), probe, kTypes);
+    objc_registerClassPair(cls);
+    return cls;
+}
+
+TEST(HookRows, AreInstalledInOrderAndPassCallsOnToWhatTheyReplaced) {
     const objc::AutoreleasePool pool;
-    const Class base = objc_allocateClassPair(NSObject::objcClass(), "HookRowsBase", 0);
-    ASSERT_NE(base, nullptr);
-    class_addMethod(base, sel_registerName(kSelector), reinterpret_cast<IMP>(&initialiser<'a'>),
-                    "@32@0:8@16Q24");
-    objc_registerClassPair(base);
-    const Class hooked = objc_allocateClassPair(base, "HookRowsHooked", 0);
-    objc_registerClassPair(hooked);
-
+    const Class base =
+        defineClass(NSObject::objcClass(), "HookRowsBase", reinterpret_cast<IMP>(&original<'a'>));
+    const Class hooked = defineClass(base, "HookRowsHooked", nullptr);
+    const Class subclass = defineClass(hooked, "HookRowsSubclass", nullptr);
+    const Class owner =
+        defineClass(NSObject::objcClass(), "HookRowsOwner", reinterpret_cast<IMP>(&original<'o'>));
     const HookRow rows[] = {
-        parcelvane::hooks::replacedMethod<&replacement, &savedSuperclass, &passedOn>(
-            "HookRowsHooked", kSelector),
-        parcelvane::hooks::replacedMethod<&replacement, &missingSaved, &missingSlot>(
-            "HookRowsNoSuchClass", kSelector),
+        replacedMethod<&replacement<&passedHooked>, &savedHooked, &passedHooked>("HookRowsHooked",
+                                                                                 "probe:"),
+        addedMethod<&added, &savedHooked>("HookRowsHooked", "added:", "@@:@"),
+        replacedMethod<&replacement<&passedMissing>, &savedMissing, &passedMissing>(
+            "HookRowsNoSuchClass", "probe:"),
+        replacedMethod<&replacement<&passedOwner>, &savedOwner, &passedOwner>("HookRowsOwner",
+                                                                              "probe:"),
+        replacedMethod<&replacement<&passedAbsent>, &savedOwner, &passedAbsent>("HookRowsOwner",
+                                                                                "absent:"),
     };
-    parcelvane::hooks::installHooks(rows);
+    installHooks(rows);
 
-    EXPECT_EQ(savedSuperclass, base);
-    EXPECT_EQ(missingSaved, nullptr) << "a missing class leaves its superclass slot empty";
-    EXPECT_EQ(missingSlot, nullptr);
-    const Method added = class_getInstanceMethod(hooked, sel_registerName(kSelector));
-    ASSERT_NE(added, nullptr);
-    EXPECT_EQ(method_getImplementation(added), reinterpret_cast<IMP>(&replacement));
-    EXPECT_STREQ(method_getTypeEncoding(added), "@32@0:8@16Q24");
+    EXPECT_EQ(savedHooked, base);
+    EXPECT_EQ(savedOwner, NSObject::objcClass());
+    EXPECT_EQ(savedMissing, nullptr) << "a missing class leaves its superclass slot empty";
+    EXPECT_EQ(passedMissing, nullptr);
+    EXPECT_EQ(passedAbsent, nullptr) << "a method the class lacks is not replaced";
+    EXPECT_FALSE(class_respondsToSelector(owner, sel_registerName("absent:")));
 
-    const auto types = NSString::create("types");
-    const auto object = objc::adopt(class_createInstance(hooked, 0));
-    const SEL sel = sel_registerName(kSelector);
-    EXPECT_EQ(objc::msgSend<id>(object.get(), sel, types.get(), NSUInteger{7}), object.get());
-    EXPECT_EQ(seen.by, "a");
-    EXPECT_EQ(seen.self, object.get());
-    EXPECT_EQ(seen.types, types.get());
-    EXPECT_EQ(seen.mode, 7u);
+    const SEL probe = sel_registerName("probe:");
+    const Method replaced = class_getInstanceMethod(hooked, probe);
+    EXPECT_EQ(method_getImplementation(replaced),
+              reinterpret_cast<IMP>(&replacement<&passedHooked>));
+    EXPECT_STREQ(method_getTypeEncoding(replaced), kTypes);
+    EXPECT_EQ(method_getImplementation(class_getInstanceMethod(base, probe)),
+              reinterpret_cast<IMP>(&original<'a'>));
+    const Method addedMethod = class_getInstanceMethod(hooked, sel_registerName("added:"));
+    ASSERT_NE(addedMethod, nullptr);
+    EXPECT_STREQ(method_getTypeEncoding(addedMethod), "@@:@");
 
-    method_setImplementation(class_getInstanceMethod(base, sel),
-                             reinterpret_cast<IMP>(&initialiser<'b'>));
-    EXPECT_EQ(objc::msgSend<id>(object.get(), sel, types.get(), NSUInteger{8}), object.get());
-    EXPECT_EQ(seen.by, "b");
-    EXPECT_EQ(seen.mode, 8u);
+    const auto argument = NSString::create("argument");
+    const auto send = [&](Class cls) {
+        seen.clear();
+        const auto object = objc::adopt(class_createInstance(cls, 0));
+        EXPECT_EQ(objc::msgSend<id>(object.get(), probe, argument.get()), argument.get());
+        return seen;
+    };
+    // Without a method of its own the class falls back to its superclass's;
+    // a subclass instance reaches it too, rather than the replacement again.
+    EXPECT_EQ(send(hooked), "ra");
+    EXPECT_EQ(send(subclass), "ra");
+    // The superclass's implementation as it is at each call.
+    method_setImplementation(class_getInstanceMethod(base, probe),
+                             reinterpret_cast<IMP>(&original<'b'>));
+    EXPECT_EQ(send(hooked), "rb");
+    // A class with its own method keeps it reachable behind the replacement.
+    EXPECT_EQ(send(owner), "ro");
 }
 
 }  // namespace

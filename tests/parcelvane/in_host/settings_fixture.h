@@ -1,7 +1,6 @@
 // The host's Settings screen with the library loaded: a fresh container
-// (which is also the main bundle, with Arabic, English and French
-// localisations), a chosen system version and language, and the screen at
-// the root of a navigation controller.
+// (which is also the main bundle), a chosen system version, and the screen
+// at the root of a navigation controller.
 #pragma once
 
 #include "parcelvane/in_host/library_loader.h"
@@ -16,7 +15,6 @@
 #include <Foundation/ProcessEnvironment.h>
 #include <UIKit/DeviceProfile.h>
 #include <UIKit/UINavigationController.h>
-#include <UIKit/UISwitch.h>
 #include <UIKit/UITableViewCell.h>
 
 #include <objc/strong.h>
@@ -28,13 +26,8 @@
 #include <filesystem>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 namespace in_host {
-
-inline std::string text(NSString* s) {
-    return s != nullptr ? s->utf8() : "(nil)";
-}
 
 class SettingsScreenTest : public ::testing::Test {
   protected:
@@ -42,10 +35,8 @@ class SettingsScreenTest : public ::testing::Test {
         std::string pattern = "/tmp/pv-settings-XXXXXX";
         if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
         folder_ = pattern;
-        for (const char* name : {"ar", "en", "fr"}) {
-            std::filesystem::create_directory(folder_ + "/" + name + ".lproj");
-        }
-        speak({"en"});
+        foundation::configureProcess({folder_, folder_, {"en"}});
+        NSUserDefaults::resetStandardUserDefaults();
     }
 
     ~SettingsScreenTest() override {
@@ -65,12 +56,6 @@ class SettingsScreenTest : public ::testing::Test {
         std::filesystem::remove_all(folder_, ignored);
     }
 
-    // The user's languages; the container doubles as the main bundle.
-    void speak(const std::vector<std::string>& languages) {
-        foundation::configureProcess({folder_, folder_, languages});
-        NSUserDefaults::resetStandardUserDefaults();
-    }
-
     // Shows the Settings screen (its view loads, which builds the table) on
     // a device with the system version.
     void open(const std::string& systemVersion) {
@@ -82,16 +67,9 @@ class SettingsScreenTest : public ::testing::Test {
         settings->view();
     }
 
-    std::vector<WATableSection*> sections() const { return settings->sectionList(); }
-    WATableSection* librarySection() const { return sections().at(1); }
-    WATableRow* libraryRow(std::size_t index) const {
-        return librarySection()->rowList().at(index).get();
-    }
+    WATableSection* librarySection() const { return settings->sectionList().at(1); }
     UITableViewCell* cellAt(std::size_t index) const {
-        return objc::cast<UITableViewCell>(libraryRow(index)->cell());
-    }
-    std::string titleAt(std::size_t index) const {
-        return text(cellAt(index)->textLabel()->text());
+        return objc::cast<UITableViewCell>(librarySection()->rowList().at(index)->cell());
     }
 
     objc::AutoreleasePool pool;
