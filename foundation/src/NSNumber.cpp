@@ -4,6 +4,7 @@
 
 #include <objc/image.h>
 
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdio>
@@ -50,6 +51,42 @@ struct NSNumberMethods {
         return n;
     }
 
+    // Small integers are shared and never die, as tagged numbers are on the
+    // platform: settings and counters are mostly such values, and handing
+    // them out then costs no reference counting. Null outside the range.
+    static NSNumber* sharedSmall(long long v, char type) {
+        constexpr long long kLowest = -1;
+        constexpr long long kHighest = 255;
+        static constexpr char kTypes[] = {'c', 's', 'i', 'q'};
+        static constexpr std::size_t kCount = kHighest - kLowest + 1;
+        static const auto table = [] {
+            std::array<std::array<NSNumber*, kCount>, std::size(kTypes)> numbers{};
+            for (std::size_t t = 0; t < std::size(kTypes); ++t) {
+                for (std::size_t i = 0; i < kCount; ++i) {
+                    NSNumber* n = objc::alloc<NSNumber>();
+                    n->setSigned(kLowest + static_cast<long long>(i), kTypes[t]);
+                    n->refs_.store(objc_object::kImmortalRefs, std::memory_order_relaxed);
+                    numbers[t][i] = n;
+                }
+            }
+            return numbers;
+        }();
+        if (v < kLowest || v > kHighest) return nullptr;
+        for (std::size_t t = 0; t < std::size(kTypes); ++t) {
+            if (kTypes[t] == type) return table[t][static_cast<std::size_t>(v - kLowest)];
+        }
+        return nullptr;
+    }
+
+    template <class T>
+    static bool fitsSmall(T v) {
+        if constexpr (std::is_signed_v<T>) {
+            return v >= -1 && v <= 255;
+        } else {
+            return v <= 255;
+        }
+    }
+
     template <class T>
     static NSNumber* numberWith(Class, SEL, T v) {
         return objc::autorelease(NSNumber::create(v).leak());
@@ -63,10 +100,18 @@ struct NSNumberMethods {
         } else if constexpr (std::is_floating_point_v<T>) {
             self->setFloating(
                 v, std::is_same_v<T, float> ? NSNumber::Kind::Float : NSNumber::Kind::Double);
-        } else if constexpr (std::is_signed_v<T>) {
-            self->setSigned(v, encodingFor<T>());
         } else {
-            self->setUnsigned(v, encodingFor<T>());
+            if (fitsSmall(v)) {
+                if (NSNumber* shared = sharedSmall(static_cast<long long>(v), encodingFor<T>())) {
+                    objc_release(self);
+                    return shared;
+                }
+            }
+            if constexpr (std::is_signed_v<T>) {
+                self->setSigned(v, encodingFor<T>());
+            } else {
+                self->setUnsigned(v, encodingFor<T>());
+            }
         }
         return self;
     }
@@ -243,12 +288,18 @@ objc::Strong<NSNumber> NSNumber::createBool(bool v) {
 }
 
 objc::Strong<NSNumber> NSNumber::createSigned(long long v, char type) {
+    if (NSNumber* shared = NSNumberMethods::sharedSmall(v, type)) return objc::retained(shared);
     auto n = objc::adopt(objc::alloc<NSNumber>());
     n->setSigned(v, type);
     return n;
 }
 
 objc::Strong<NSNumber> NSNumber::createUnsigned(unsigned long long v, char type) {
+    if (v <= 255) {
+        if (NSNumber* shared = NSNumberMethods::sharedSmall(static_cast<long long>(v), type)) {
+            return objc::retained(shared);
+        }
+    }
     auto n = objc::adopt(objc::alloc<NSNumber>());
     n->setUnsigned(v, type);
     return n;

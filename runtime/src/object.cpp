@@ -77,7 +77,10 @@ void objc_release(id obj) {
 }
 
 id objc_autorelease(id obj) {
-    if (obj != nullptr) poolStack().objects.push_back(obj);
+    // An immortal object's release would do nothing: keep it out of the pool.
+    if (obj != nullptr && obj->refs_.load(std::memory_order_relaxed) < objc_object::kImmortalRefs) {
+        poolStack().objects.push_back(obj);
+    }
     return obj;
 }
 

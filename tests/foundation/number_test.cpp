@@ -33,6 +33,26 @@ TEST_F(NumberTest, BooleansAreTwoSharedInstances) {
     EXPECT_EQ(initialised.get(), NSNumber::numberWithBool(true));
 }
 
+// Small integers are shared per encoding and need no counting; the sharing
+// must not change a number's encoding or reach beyond its range.
+TEST_F(NumberTest, SmallIntegersAreSharedPerEncodingAndNeverCounted) {
+    NSNumber* seven = NSNumber::numberWithInteger(7);
+    EXPECT_EQ(NSNumber::create(7L).get(), seven);
+    EXPECT_EQ(objc::adopt(objc::alloc<NSNumber>()->initWithInteger(7)).get(), seven);
+    EXPECT_EQ(type(NSNumber::create(7)), "i");
+    EXPECT_NE(static_cast<id>(NSNumber::create(7).get()), static_cast<id>(seven));
+    EXPECT_EQ(NSNumber::create(-1L).get(), NSNumber::numberWithInteger(-1));
+    EXPECT_NE(NSNumber::create(256L).get(), NSNumber::create(256L).get());
+    EXPECT_NE(NSNumber::create(-2L).get(), NSNumber::create(-2L).get());
+
+    const std::uint32_t count = objc_retainCount(seven);
+    objc_retain(seven);
+    objc_release(seven);
+    objc::autorelease(seven);
+    EXPECT_EQ(objc_retainCount(seven), count);
+    EXPECT_EQ(seven->integerValue(), 7);
+}
+
 TEST_F(NumberTest, ConversionsFollowC) {
     NSNumber* f = NSNumber::numberWithDouble(3.7);
     EXPECT_EQ(f->intValue(), 3);
