@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 namespace foundation {
 namespace {
@@ -126,44 +127,27 @@ class Parser {
     bool readEscape(std::u16string& out) {
         if (pos_ >= text_.size()) return false;
         const char16_t c = text_[pos_++];
-        switch (c) {
-            case u'a':
-                out.push_back(u'\a');
-                return true;
-            case u'b':
-                out.push_back(u'\b');
-                return true;
-            case u'f':
-                out.push_back(u'\f');
-                return true;
-            case u'n':
-                out.push_back(u'\n');
-                return true;
-            case u'r':
-                out.push_back(u'\r');
-                return true;
-            case u't':
-                out.push_back(u'\t');
-                return true;
-            case u'v':
-                out.push_back(u'\v');
-                return true;
-            case u'U':
-            case u'u': {
-                // Up to four hex digits name one UTF-16 unit; surrogate pairs
-                // are written as two escapes and combine by themselves.
-                unsigned value = 0;
-                int digits = 0;
-                while (digits < 4 && pos_ < text_.size() && hexValue(text_[pos_]) >= 0) {
-                    value = value * 16 + static_cast<unsigned>(hexValue(text_[pos_++]));
-                    ++digits;
-                }
-                if (digits == 0) return false;
-                out.push_back(static_cast<char16_t>(value));
+        static constexpr std::pair<char16_t, char16_t> kControls[] = {
+            {u'a', u'\a'}, {u'b', u'\b'}, {u'f', u'\f'}, {u'n', u'\n'},
+            {u'r', u'\r'}, {u't', u'\t'}, {u'v', u'\v'}};
+        for (const auto& [letter, control] : kControls) {
+            if (c == letter) {
+                out.push_back(control);
                 return true;
             }
-            default:
-                break;
+        }
+        if (c == u'U' || c == u'u') {
+            // Up to four hex digits name one UTF-16 unit; surrogate pairs are
+            // written as two escapes and combine by themselves.
+            unsigned value = 0;
+            int digits = 0;
+            while (digits < 4 && pos_ < text_.size() && hexValue(text_[pos_]) >= 0) {
+                value = value * 16 + static_cast<unsigned>(hexValue(text_[pos_++]));
+                ++digits;
+            }
+            if (digits == 0) return false;
+            out.push_back(static_cast<char16_t>(value));
+            return true;
         }
         if (c >= u'0' && c <= u'7') {
             unsigned value = c - u'0';
