@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <optional>
 #include <system_error>
 
 OBJC_DEFINE_CLASS(WAChatSessionViewController, UIViewController, "WAChatSessionViewController")
@@ -41,19 +42,26 @@ objc::Strong<WAChatSessionViewController> WAChatSessionViewController::create(
 WAChatSessionViewController::~WAChatSessionViewController() {
     // A shown sheet reports its dismissal to this screen: take it down first.
     if (const objc::Strong<WAActionSheet> sheet = std::move(sheet_)) sheet->cancel();
+    if (sendQueue_ != nullptr) dispatch_release(sendQueue_);
+}
+
+void WAChatSessionViewController::setSendQueue(dispatch_queue_t queue) {
+    if (queue != nullptr) dispatch_retain(queue);
+    if (sendQueue_ != nullptr) dispatch_release(sendQueue_);
+    sendQueue_ = queue;
 }
 
 void WAChatSessionViewController::setChat(std::string contact,
                                           std::shared_ptr<host::ChatStore> store) {
     contact_ = std::move(contact);
     store_ = std::move(store);
-    this->store().addChat(contact_);
+    this->store()->addChat(contact_);
     if (isViewLoaded()) setTitle(NSString::create(contact_).get());
 }
 
-host::ChatStore& WAChatSessionViewController::store() {
+const std::shared_ptr<host::ChatStore>& WAChatSessionViewController::store() {
     if (!store_) store_ = host::defaultChatStore();
-    return *store_;
+    return store_;
 }
 
 std::vector<host::Message> WAChatSessionViewController::messages() const {
@@ -155,17 +163,105 @@ void WAChatSessionViewController::imp_showActionSheet(WAActionSheet* sheet) {
     });
 }
 
+namespace {
+
+void logFailure(const std::string& name, const std::string& why) {
+    std::fprintf(stderr, "WhatsApp: could not send %s: %s\n", name.c_str(), why.c_str());
+}
+
+// Records the end of a send; on the main queue. Nothing here may throw: the
+// block runs on the run loop.
+void finishSend(host::ChatStore& store, host::PreparedDocument& prepared,
+                const std::optional<host::StoredDocument>& stored, std::string failure) {
+    host::Message& message = prepared.message;
+    if (stored) {
+        message.state = host::Message::State::Sent;
+        message.progress = 1;
+        message.filePath = stored->path.string();
+        message.fileSize = stored->size;
+        try {
+            store.update(message);
+            host::keepDocument(prepared, *stored);
+            return;
+        } catch (const std::exception& error) {
+            host::undoDocument(prepared, *stored);
+            message.filePath.clear();
+            failure = error.what();
+        }
+    }
+    logFailure(message.text, failure);
+    message.state = host::Message::State::Failed;
+    message.progress = 0;
+    message.failure = std::move(failure);
+    try {
+        store.update(message);
+    } catch (const std::exception& error) {
+        // The message stays sending in the store; the next start fails it.
+        logFailure(message.text, error.what());
+    }
+}
+
+// Hands the copy's progress to the main queue, once per whole percent.
+class ProgressReporter {
+  public:
+    ProgressReporter(std::shared_ptr<host::ChatStore> store, host::Message message)
+        : store_(std::move(store)), message_(std::move(message)) {}
+    void operator()(std::uint64_t copied, std::uint64_t total) {
+        if (total == 0 || copied >= total) return;
+        const int percent = static_cast<int>(copied * 100 / total);
+        if (percent <= percent_) return;
+        percent_ = percent;
+        host::Message message = message_;
+        message.progress = percent / 100.0;
+        dispatch_async(dispatch_get_main_queue(), [store = store_, message] {
+            try {
+                store->update(message);
+            } catch (const std::exception&) {
+                // Progress is only shown; the end of the send is what counts.
+            }
+        });
+    }
+
+  private:
+    std::shared_ptr<host::ChatStore> store_;
+    host::Message message_;
+    int percent_ = 0;
+};
+
+}  // namespace
+
 void WAChatSessionViewController::imp_sendDocumentAttachment(WADocumentAttachment* attachment) {
     if (attachment == nullptr) return;
     NSString* home = NSHomeDirectory();
+    std::shared_ptr<host::ChatStore> chats = store();
+    host::PreparedDocument prepared;
     try {
-        host::sendDocument(store(), contact_, *attachment, home != nullptr ? home->utf8() : ".");
+        prepared = host::prepareDocument(*attachment, home != nullptr ? home->utf8() : ".",
+                                         chats->chatId(contact_));
+        prepared.message.id = chats->append(contact_, prepared.message);
     } catch (const std::exception& error) {
-        // The message is not sent and nothing of it is kept; the host only
-        // logs why (the chat shows no failed message), as it does for other
-        // send failures.
+        // Nothing was recorded, so the chat cannot show why: an alert does.
         NSString* name = attachment->fileName();
-        std::fprintf(stderr, "WhatsApp: could not send %s: %s\n",
-                     name != nullptr ? name->utf8().c_str() : "a document", error.what());
+        logFailure(name != nullptr ? name->utf8() : "a document", error.what());
+        showAlert(host::localized(NSSTR("Document Not Sent")),
+                  NSString::create(error.what()).get());
+        return;
     }
+    // The attachment stays on this thread; the copy works from what was read
+    // of it, and does not keep this screen alive.
+    const dispatch_queue_t queue =
+        sendQueue_ != nullptr ? sendQueue_
+                              : dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0);
+    dispatch_async(queue, [chats, prepared] {
+        std::optional<host::StoredDocument> stored;
+        std::string failure;
+        try {
+            stored = host::storeDocument(prepared, ProgressReporter(chats, prepared.message));
+        } catch (const std::exception& error) {
+            failure = error.what();
+        }
+        dispatch_async(dispatch_get_main_queue(), [chats, prepared, stored, failure]() mutable {
+            finishSend(*chats, prepared, stored, std::move(failure));
+        });
+    });
 }

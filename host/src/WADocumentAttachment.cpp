@@ -101,12 +101,13 @@ void syncFolder(const fs::path& folder) {
 
 // Copies the rest of `in` to `out`: in the kernel where it can, in large
 // blocks otherwise. Answers the bytes copied.
-std::uint64_t copyContents(int in, int out) {
+std::uint64_t copyContents(int in, int out, std::uint64_t total, const CopyProgress& progress) {
     std::uint64_t copied = 0;
     for (;;) {
         const ssize_t n = ::copy_file_range(in, nullptr, out, nullptr, 1 << 30, 0);
         if (n > 0) {
             copied += static_cast<std::uint64_t>(n);
+            if (progress) progress(copied, total);
             continue;
         }
         if (n == 0) return copied;
@@ -132,6 +133,7 @@ std::uint64_t copyContents(int in, int out) {
             done += w;
         }
         copied += static_cast<std::uint64_t>(n);
+        if (progress) progress(copied, total);
     }
 }
 
@@ -141,7 +143,7 @@ std::uint64_t copyContents(int in, int out) {
 // of the user's, and waiting for a whole large file to reach the disk would
 // double the time a send takes (the kernel writes it back as it does for cp).
 std::pair<fs::path, std::uint64_t> copyInto(const fs::path& source, const fs::path& folder,
-                                            const std::string& name) {
+                                            const std::string& name, const CopyProgress& progress) {
     const FileDescriptor in(::open(source.c_str(), O_RDONLY | O_CLOEXEC));
     if (in.get() < 0) throwErrno("open " + source.string());
     struct stat info {};
@@ -157,7 +159,8 @@ std::pair<fs::path, std::uint64_t> copyInto(const fs::path& source, const fs::pa
         if (out.get() < 0 && errno == EEXIST) continue;
         if (out.get() < 0) throwErrno("create " + target.string());
         try {
-            const std::uint64_t size = copyContents(in.get(), out.get());
+            const std::uint64_t size = copyContents(
+                in.get(), out.get(), static_cast<std::uint64_t>(info.st_size), progress);
             syncFolder(folder);
             return {target, size};
         } catch (...) {
@@ -202,38 +205,23 @@ std::string tagType(NSString* tagClass, const std::string& tag) {
 
 }  // namespace
 
-Message sendDocument(ChatStore& store, const std::string& chat, WADocumentAttachment& attachment,
-                     const fs::path& home) {
-    const fs::path source = attachment.path();
-    if (source.empty()) {
+PreparedDocument prepareDocument(WADocumentAttachment& attachment, const fs::path& home,
+                                 std::int64_t chatId) {
+    PreparedDocument prepared;
+    prepared.source = attachment.path();
+    if (prepared.source.empty()) {
         throw std::system_error(std::make_error_code(std::errc::invalid_argument),
                                 "the attachment is not a file");
     }
-    std::error_code error;
-    if (!fs::is_regular_file(source, error)) {
-        throw std::system_error(
-            error ? error : std::make_error_code(std::errc::no_such_file_or_directory),
-            source.string());
-    }
+    prepared.home = home;
+    prepared.folder = home / "Library" / "Media" / std::to_string(chatId);
+    prepared.transfersOwnership = attachment.transfersFileOwnership();
     NSString* fileName = attachment.fileName();
-    const std::string name = fileName != nullptr ? fileName->utf8() : source.filename().string();
-    const fs::path folder = home / "Library" / "Media" / std::to_string(store.chatId(chat));
-    fs::create_directories(folder);
-
-    std::optional<fs::path> moved;
-    if (attachment.transfersFileOwnership() && isInside(source, home)) {
-        moved = moveInto(source, folder, name);
-    }
-    fs::path stored;
-    std::uint64_t size = 0;
-    if (moved) {
-        stored = *moved;
-        size = fs::file_size(stored);
-    } else {
-        std::tie(stored, size) = copyInto(source, folder, name);
-    }
-
-    Message message = Message::document(name, stored.string(), size);
+    const std::string name =
+        fileName != nullptr ? fileName->utf8() : prepared.source.filename().string();
+    Message& message = prepared.message;
+    message = Message::document(name, {}, attachment.fileSize());
+    message.state = Message::State::Sending;
     // An unknown (or missing) extension gets a dynamic identifier.
     std::string extension = fs::path(name).extension().string();
     if (!extension.empty()) extension.erase(0, 1);
@@ -241,21 +229,67 @@ Message sendDocument(ChatStore& store, const std::string& chat, WADocumentAttach
     const objc::Strong<NSString> mime = objc::adopt(UTTypeCopyPreferredTagWithClass(
         NSString::create(message.uniformType).get(), kUTTagClassMIMEType));
     if (mime) message.mimeType = mime->utf8();
+    return prepared;
+}
+
+StoredDocument storeDocument(const PreparedDocument& prepared, const CopyProgress& progress) {
+    const fs::path& source = prepared.source;
+    std::error_code error;
+    if (!fs::is_regular_file(source, error)) {
+        throw std::system_error(
+            error ? error : std::make_error_code(std::errc::no_such_file_or_directory),
+            source.string());
+    }
+    const std::string& name = prepared.message.text;
+    fs::create_directories(prepared.folder);
+    StoredDocument stored;
+    std::optional<fs::path> moved;
+    if (prepared.transfersOwnership && isInside(source, prepared.home)) {
+        moved = moveInto(source, prepared.folder, name);
+    }
+    if (moved) {
+        stored.path = *moved;
+        stored.size = fs::file_size(stored.path);
+        stored.moved = true;
+    } else {
+        std::tie(stored.path, stored.size) = copyInto(source, prepared.folder, name, progress);
+    }
+    return stored;
+}
+
+void keepDocument(const PreparedDocument& prepared, const StoredDocument& stored) {
+    // The copy came from a handed-over file on another file system: the
+    // host owns it now, and keeps one copy.
+    if (!stored.moved && prepared.transfersOwnership && isInside(prepared.source, prepared.home)) {
+        std::error_code error;
+        fs::remove(prepared.source, error);
+    }
+}
+
+void undoDocument(const PreparedDocument& prepared, const StoredDocument& stored) {
+    if (stored.moved) {
+        ::rename(stored.path.c_str(), prepared.source.c_str());
+    } else {
+        std::error_code error;
+        fs::remove(stored.path, error);
+    }
+}
+
+Message sendDocument(ChatStore& store, const std::string& chat, WADocumentAttachment& attachment,
+                     const fs::path& home) {
+    PreparedDocument prepared = prepareDocument(attachment, home, store.chatId(chat));
+    const StoredDocument stored = storeDocument(prepared);
+    Message& message = prepared.message;
+    message.state = Message::State::Sent;
+    message.filePath = stored.path.string();
+    message.fileSize = stored.size;
     try {
-        store.append(chat, message);
-        // The copy came from a handed-over file on another file system: the
-        // host owns it now, and keeps one copy.
-        if (!moved && attachment.transfersFileOwnership() && isInside(source, home)) {
-            fs::remove(source, error);
-        }
+        message.id = store.append(chat, message);
     } catch (...) {
-        if (moved) {
-            ::rename(stored.c_str(), source.c_str());
-        } else {
-            fs::remove(stored, error);
-        }
+        undoDocument(prepared, stored);
         throw;
     }
+    keepDocument(prepared, stored);
     return message;
 }
 

@@ -35,8 +35,10 @@ TEST_F(ChatSessionTest, ShareDocumentOpensTheMenuWithTheHostsTypes) {
 TEST_F(ChatSessionTest, APickedSupportedDocumentIsSent) {
     const std::string path = hosttest::makeFile("Report.PDF", 1234);
     chat->documentPickerDidPickDocumentAtURL(nullptr, NSURL::fileURL(path).get());
+    drain();
     const auto messages = chat->messages();
     ASSERT_EQ(messages.size(), 1u);
+    EXPECT_EQ(messages[0].state, host::Message::State::Sent);
     EXPECT_EQ(messages[0].kind, host::Message::Kind::Document);
     EXPECT_EQ(messages[0].text, "Report.PDF");
     EXPECT_EQ(messages[0].fileSize, 1234u);
@@ -106,6 +108,7 @@ TEST_F(ChatSessionTest, SendingAnAttachmentAppendsADocumentMessage) {
     auto attachment = WADocumentAttachment::create(NSURL::fileURL(path).get(), false);
     chat->sendDocumentAttachment(attachment.get());
     chat->sendDocumentAttachment(nullptr);
+    drain();
     ASSERT_EQ(store->messages("Alice").size(), 1u);
     EXPECT_EQ(store->messages("Alice")[0].text, "slides.key");
     EXPECT_EQ(store->chatNames(), std::vector<std::string>{"Alice"});

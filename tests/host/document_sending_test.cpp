@@ -1,5 +1,7 @@
 // Sending documents into a chat kept in SQLite: where the file goes (moved
-// or copied), what is recorded, and that a failure leaves nothing behind.
+// or copied), what is recorded, that the copy leaves the main thread free,
+// and that a failure leaves nothing behind. Also the store itself: shared
+// by two writers, migrated from its first version, read-only.
 #include "host_fixture.h"
 
 #include <Host/WAChatSessionViewController.h>
@@ -9,12 +11,16 @@
 
 #include <objc/exception.h>
 
+#include <sqlite3.h>
 #include <unistd.h>
 
+#include <climits>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <iterator>
 #include <string>
+#include <thread>
 
 namespace {
 
@@ -37,6 +43,39 @@ std::string pattern(std::size_t size) {
         bytes[i] = static_cast<char>((i * 7919 + i / 4096) & 0xff);
     return bytes;
 }
+
+// Runs SQL on the database through a connection of its own.
+void execute(const fs::path& database, const std::string& sql) {
+    sqlite3* db = nullptr;
+    ASSERT_EQ(sqlite3_open(database.c_str(), &db), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
+        << sqlite3_errmsg(db);
+    sqlite3_close(db);
+}
+
+// Holds a queue's work until released (at the latest when it goes).
+class HeldQueue {
+  public:
+    HeldQueue() : queue_(dispatch_queue_create("held", DISPATCH_QUEUE_SERIAL)) {
+        dispatch_async(queue_, [held = release_.get_future().share()] { held.wait(); });
+    }
+    ~HeldQueue() {
+        release();
+        dispatch_release(queue_);
+    }
+    HeldQueue(const HeldQueue&) = delete;
+    HeldQueue& operator=(const HeldQueue&) = delete;
+    dispatch_queue_t get() const { return queue_; }
+    void release() {
+        if (!released_) release_.set_value();
+        released_ = true;
+    }
+
+  private:
+    dispatch_queue_t queue_;
+    std::promise<void> release_;
+    bool released_ = false;
+};
 
 class DocumentSendingTest : public hosttest::HostTest {
   protected:
@@ -68,6 +107,7 @@ class DocumentSendingTest : public hosttest::HostTest {
         auto attachment =
             WADocumentAttachment::create(NSURL::fileURL(path.string()).get(), transfer);
         chat->sendDocumentAttachment(attachment.get());
+        drain();
     }
     std::vector<host::Message> sent() const { return sqlite->messages("Bob"); }
     // Other tests' stores share the folder: compare counts.
@@ -169,7 +209,40 @@ TEST_F(DocumentSendingTest, TextAndChatsAreKeptInOrder) {
     EXPECT_NE(sqlite->chatId("Bob"), sqlite->chatId("Carol"));
 }
 
-TEST_F(DocumentSendingTest, AMissingFileRecordsNothing) {
+TEST_F(DocumentSendingTest, TheCopyLeavesTheMainThreadAndTheMessageGoesFromSendingToSent) {
+    const std::string bytes = pattern(1 << 20);
+    write(outside / "held.pdf", bytes);
+    const std::size_t before = mediaFiles();
+    HeldQueue queue;
+    chat->setSendQueue(queue.get());
+    auto attachment =
+        WADocumentAttachment::create(NSURL::fileURL((outside / "held.pdf").string()).get(), false);
+    // Returns while the copy cannot even start.
+    chat->sendDocumentAttachment(attachment.get());
+    attachment.reset();
+    auto messages = sent();
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_EQ(messages[0].state, host::Message::State::Sending);
+    EXPECT_EQ(messages[0].text, "held.pdf");
+    EXPECT_EQ(messages[0].fileSize, bytes.size());
+    EXPECT_EQ(messages[0].uniformType, "com.adobe.pdf");
+    EXPECT_TRUE(messages[0].filePath.empty());
+    EXPECT_EQ(mediaFiles(), before);
+    // Another store opened meanwhile leaves a live process's send alone.
+    EXPECT_EQ(host::SqliteChatStore(database.string()).messages("Bob")[0].state,
+              host::Message::State::Sending);
+
+    queue.release();
+    drain();
+    messages = sent();
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_EQ(messages[0].state, host::Message::State::Sent);
+    EXPECT_EQ(fs::path(messages[0].filePath).parent_path(), mediaFolder());
+    EXPECT_EQ(contents(messages[0].filePath), bytes);
+    EXPECT_EQ(contents(outside / "held.pdf"), bytes);
+}
+
+TEST_F(DocumentSendingTest, AMissingFileFailsWithTheReasonAndNoMediaFile) {
     write(inbox / "gone.pdf", "x");
     auto attachment =
         WADocumentAttachment::create(NSURL::fileURL((inbox / "gone.pdf").string()).get(), true);
@@ -181,8 +254,107 @@ TEST_F(DocumentSendingTest, AMissingFileRecordsNothing) {
     const std::string log = ::testing::internal::GetCapturedStderr();
     EXPECT_NE(log.find("gone.pdf"), std::string::npos) << log;
     EXPECT_NE(log.find("never.pdf"), std::string::npos) << log;
-    EXPECT_TRUE(sent().empty());
+    const auto messages = sent();
+    ASSERT_EQ(messages.size(), 2u);
+    for (const host::Message& m : messages) {
+        EXPECT_EQ(m.state, host::Message::State::Failed) << m.text;
+        EXPECT_NE(m.failure.find("No such file"), std::string::npos) << m.failure;
+        EXPECT_TRUE(m.filePath.empty());
+    }
     EXPECT_EQ(mediaFiles(), before);
+}
+
+TEST_F(DocumentSendingTest, ASendCutShortByItsProcessEndingIsFailedAtTheNextOpen) {
+    host::Message cut = host::Message::document("cut.pdf", {}, 10);
+    cut.state = host::Message::State::Sending;
+    const std::int64_t id = sqlite->append("Bob", cut);
+    cut.text = "ours.pdf";
+    sqlite->append("Bob", cut);
+    // No process can have this number.
+    execute(database, "UPDATE messages SET sender_pid = " + std::to_string(INT_MAX) +
+                          " WHERE id = " + std::to_string(id));
+    sqlite = std::make_shared<host::SqliteChatStore>(database.string());
+    const auto messages = sent();
+    ASSERT_EQ(messages.size(), 2u);
+    EXPECT_EQ(messages[0].state, host::Message::State::Failed);
+    EXPECT_FALSE(messages[0].failure.empty());
+    EXPECT_EQ(messages[1].state, host::Message::State::Sending) << "this process may still send it";
+}
+
+TEST_F(DocumentSendingTest, AFirstVersionDatabaseIsMigratedAndItsRowsAreSent) {
+    sqlite.reset();
+    chat.reset();
+    for (const char* suffix : {"", "-wal", "-shm"}) fs::remove(database.string() + suffix);
+    execute(database,
+            "CREATE TABLE chats (id INTEGER PRIMARY KEY, contact_name TEXT NOT NULL UNIQUE);"
+            "CREATE TABLE messages (id INTEGER PRIMARY KEY, chat_id INTEGER NOT NULL "
+            "REFERENCES chats(id), kind INTEGER NOT NULL, outgoing INTEGER NOT NULL, text TEXT, "
+            "file_name TEXT, size_in_bytes INTEGER NOT NULL DEFAULT 0, uniform_type TEXT, "
+            "mime_type TEXT, media_path TEXT, date REAL NOT NULL);"
+            "INSERT INTO chats VALUES (1, 'Bob');"
+            "INSERT INTO messages VALUES (1, 1, 1, 1, NULL, 'old.pdf', 3, 'com.adobe.pdf', "
+            "'application/pdf', '/media/old.pdf', 1.5);");
+    // Read-only, the old file is read as it is.
+    auto old = host::SqliteChatStore(database.string(), host::SqliteChatStore::Access::ReadOnly)
+                   .messages("Bob");
+    ASSERT_EQ(old.size(), 1u);
+    EXPECT_EQ(old[0].state, host::Message::State::Sent);
+
+    sqlite = std::make_shared<host::SqliteChatStore>(database.string());
+    sqlite->append("Bob", host::Message::outgoingText("new"));
+    sqlite = std::make_shared<host::SqliteChatStore>(database.string());
+    const auto messages = sent();
+    ASSERT_EQ(messages.size(), 2u);
+    EXPECT_EQ(messages[0].text, "old.pdf");
+    EXPECT_EQ(messages[0].filePath, "/media/old.pdf");
+    EXPECT_EQ(messages[0].state, host::Message::State::Sent);
+    EXPECT_EQ(messages[1].text, "new");
+}
+
+TEST_F(DocumentSendingTest, TwoStoresOnOneFileWaitForEachOtherAndLoseNothing) {
+    // A second app starting while the first writes waits for the lock.
+    const fs::path fresh = database.string() + "-fresh";
+    sqlite3* holder = nullptr;
+    ASSERT_EQ(sqlite3_open(fresh.c_str(), &holder), SQLITE_OK);
+    ASSERT_EQ(
+        sqlite3_exec(holder, "BEGIN EXCLUSIVE; CREATE TABLE held (x);", nullptr, nullptr, nullptr),
+        SQLITE_OK);
+    std::string openError;
+    std::thread opener([&] {
+        try {
+            host::SqliteChatStore store(fresh.string());
+        } catch (const std::exception& error) {
+            openError = error.what();
+        }
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    sqlite3_exec(holder, "COMMIT", nullptr, nullptr, nullptr);
+    sqlite3_close(holder);
+    opener.join();
+    EXPECT_EQ(openError, "");
+    for (const char* suffix : {"", "-wal", "-shm"}) fs::remove(fresh.string() + suffix);
+
+    // Two writers: every message lands, and a chat both make at once is one.
+    constexpr int kEach = 150;
+    auto other = std::make_shared<host::SqliteChatStore>(database.string());
+    std::vector<std::string> errors(2);
+    const auto write = [&](host::ChatStore& store, int writer) {
+        try {
+            for (int i = 0; i < kEach; ++i) {
+                store.chatId("Chat " + std::to_string(i));
+                store.append("Shared", host::Message::outgoingText(std::to_string(writer)));
+            }
+        } catch (const std::exception& error) {
+            errors[writer] = error.what();
+        }
+    };
+    std::thread first(write, std::ref(*sqlite), 0);
+    std::thread second(write, std::ref(*other), 1);
+    first.join();
+    second.join();
+    EXPECT_EQ(errors, (std::vector<std::string>{"", ""}));
+    EXPECT_EQ(sqlite->messages("Shared").size(), 2u * kEach);
+    EXPECT_EQ(other->chatNames().size(), kEach + 2u);  // Bob, the chats, Shared
 }
 
 TEST_F(DocumentSendingTest, AFailedCopyLeavesNoPartialFile) {
@@ -196,7 +368,7 @@ TEST_F(DocumentSendingTest, AFailedCopyLeavesNoPartialFile) {
     send(outside / "folder.pdf", false);
     if (::access(unreadable.c_str(), R_OK) != 0) send(unreadable, false);  // not as root
     ::testing::internal::GetCapturedStderr();
-    EXPECT_TRUE(sent().empty());
+    for (const host::Message& m : sent()) EXPECT_EQ(m.state, host::Message::State::Failed);
     EXPECT_EQ(mediaFiles(), before);
 }
 
@@ -223,7 +395,10 @@ class FailingStore final : public host::ChatStore {
     std::vector<host::Message> messages(const std::string& chat) const override {
         return memory.messages(chat);
     }
-    void append(const std::string&, host::Message) override {
+    std::int64_t append(const std::string&, host::Message) override {
+        objc::raise(objc::kInternalInconsistencyException, "database or disk is full");
+    }
+    void update(const host::Message&) override {
         objc::raise(objc::kInternalInconsistencyException, "database or disk is full");
     }
     std::int64_t chatId(const std::string& name) override { return memory.chatId(name) + 1000; }
@@ -251,8 +426,41 @@ TEST_F(DocumentSendingTest, AFailedWriteRecordsNothingAndKeepsTheFile) {
     EXPECT_TRUE(!fs::exists(media) || fs::is_empty(media));
 }
 
-TEST(SqliteChatStoreTest, AnUnopenableFileRaises) {
-    EXPECT_THROW(host::SqliteChatStore("/nonexistent-folder/x/chats.sqlite"), objc::Exception);
+TEST_F(DocumentSendingTest, AReadOnlyStoreIsReadButASendFailsWithTheReason) {
+    sqlite->append("Bob", host::Message::outgoingText("kept"));
+    const auto readOnly = std::make_shared<host::SqliteChatStore>(
+        database.string(), host::SqliteChatStore::Access::ReadOnly);
+    EXPECT_NE(readOnly->readOnlyReason(), "");
+    EXPECT_EQ(readOnly->chatNames(), std::vector<std::string>{"Bob"});
+    auto screen = WAChatSessionViewController::create("Bob", readOnly);
+    write(outside / "report.pdf", "report");
+    const std::size_t before = mediaFiles();
+    ::testing::internal::CaptureStderr();
+    screen->sendDocumentAttachment(
+        WADocumentAttachment::create(NSURL::fileURL((outside / "report.pdf").string()).get(), false)
+            .get());
+    drain();
+    const std::string log = ::testing::internal::GetCapturedStderr();
+    UIAlertView* alert = UIAlertView::topVisibleAlert();
+    ASSERT_NE(alert, nullptr);
+    EXPECT_EQ(alert->title()->utf8(), "Document Not Sent");
+    EXPECT_NE(alert->message()->utf8().find("cannot be saved"), std::string::npos)
+        << alert->message()->utf8();
+    EXPECT_NE(log.find("report.pdf"), std::string::npos) << log;
+    ASSERT_EQ(readOnly->messages("Bob").size(), 1u);
+    EXPECT_EQ(readOnly->messages("Bob")[0].text, "kept");
+    EXPECT_EQ(mediaFiles(), before);
+    EXPECT_EQ(contents(outside / "report.pdf"), "report");
+}
+
+TEST(SqliteChatStoreTest, AFileThatCannotBeMadeRaisesOrGivesAnEmptyReadOnlyStore) {
+    const std::string path = "/nonexistent-folder/x/chats.sqlite";
+    EXPECT_THROW(host::SqliteChatStore{path}, objc::Exception);
+    const auto store = host::SqliteChatStore::open(path);
+    EXPECT_NE(store->readOnlyReason().find(path), std::string::npos) << store->readOnlyReason();
+    EXPECT_TRUE(store->chatNames().empty());
+    EXPECT_THROW(store->append("Bob", host::Message::outgoingText("lost")), objc::Exception);
+    EXPECT_TRUE(store->messages("Bob").empty());
 }
 
 }  // namespace

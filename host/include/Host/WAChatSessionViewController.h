@@ -11,6 +11,8 @@
 #include <Host/WAActionSheet.h>
 #include <Host/WADocumentAttachment.h>
 
+#include <Foundation/dispatch.h>
+
 #include <UIKit/UIViewController.h>
 
 #include <memory>
@@ -47,7 +49,10 @@ class WAChatSessionViewController : public UIViewController {
     void showActionSheet(WAActionSheet* sheet) {
         objc::msgSend<void>(this, objc::sel<"showActionSheet:">(), sheet);
     }
-    // Appends the document to the chat.
+    // Records the document as sending and returns at once; its file is
+    // copied on the send queue, then the message becomes sent, or failed
+    // with the reason, on the main queue. A store that cannot record it
+    // gets an alert saying why.
     void sendDocumentAttachment(WADocumentAttachment* attachment) {
         objc::msgSend<void>(this, objc::sel<"sendDocumentAttachment:">(), attachment);
     }
@@ -58,6 +63,9 @@ class WAChatSessionViewController : public UIViewController {
     WAActionSheet* visibleActionSheet() const noexcept { return sheet_.get(); }
     // Points the screen at a chat; for screens made by alloc/init.
     void setChat(std::string contact, std::shared_ptr<host::ChatStore> store);
+    // Where documents are copied: a global queue unless set (the screen
+    // retains the queue).
+    void setSendQueue(dispatch_queue_t queue);
 
     WAChatSessionViewController() = default;
     ~WAChatSessionViewController() override;
@@ -71,10 +79,11 @@ class WAChatSessionViewController : public UIViewController {
     void imp_showActionSheet(WAActionSheet* sheet);
     void imp_sendDocumentAttachment(WADocumentAttachment* attachment);
 
-    host::ChatStore& store();
+    const std::shared_ptr<host::ChatStore>& store();
     void showAlert(NSString* title, NSString* message);
 
     std::string contact_;
     std::shared_ptr<host::ChatStore> store_;
     objc::Strong<WAActionSheet> sheet_;
+    dispatch_queue_t sendQueue_ = nullptr;
 };

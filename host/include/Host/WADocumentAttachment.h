@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
 
 class NSURL;
@@ -60,6 +61,37 @@ class WADocumentAttachment : public NSObject {
 };
 
 namespace host {
+
+// A document send in two steps, so that the copy can run off the main
+// thread: prepareDocument reads what the send needs from the attachment (on
+// the thread that owns it) and gives the message to record as sending;
+// storeDocument then puts the file into the media folder on any thread;
+// once the message is recorded as sent, keepDocument lets go of a
+// handed-over original, and when it cannot be recorded, undoDocument puts
+// everything back.
+struct PreparedDocument {
+    std::filesystem::path source;
+    std::filesystem::path home;
+    std::filesystem::path folder;  // "<home>/Library/Media/<chat id>"
+    bool transfersOwnership = false;
+    Message message;  // name, size, types; sending
+};
+struct StoredDocument {
+    std::filesystem::path path;
+    std::uint64_t size = 0;
+    bool moved = false;
+};
+// Called on the copying thread with the bytes copied so far and the total.
+using CopyProgress = std::function<void(std::uint64_t copied, std::uint64_t total)>;
+
+// Throws when the attachment names no file.
+PreparedDocument prepareDocument(WADocumentAttachment& attachment,
+                                 const std::filesystem::path& home, std::int64_t chatId);
+// Moves or copies the file into the folder (see sendDocument); throws on
+// failure, leaving nothing behind.
+StoredDocument storeDocument(const PreparedDocument& prepared, const CopyProgress& progress = {});
+void keepDocument(const PreparedDocument& prepared, const StoredDocument& stored);
+void undoDocument(const PreparedDocument& prepared, const StoredDocument& stored);
 
 // Sends the attachment's file into the chat: the file goes into
 // "<home>/Library/Media/<chat id>/" under a name of its own, then a document
