@@ -331,7 +331,12 @@ std::shared_ptr<SqliteChatStore> SqliteChatStore::open(const std::string& path) 
     try {
         return std::make_shared<SqliteChatStore>(path);
     } catch (const objc::Exception& error) {
+        // "<path>: <SQLite's message>", for a person.
         why = error.reason();
+        if (const std::string prefix = "chat storage: "; why.rfind(prefix, 0) == 0) {
+            why.erase(0, prefix.size());
+        }
+        if (why.find(path) == std::string::npos) why = path + ": " + why;
     }
     std::shared_ptr<SqliteChatStore> store;
     try {

@@ -19,7 +19,7 @@ std::string lower(std::string text) {
 
 // A first run finds a few conversations, as a restored phone would.
 void seedChats(host::ChatStore& store) {
-    if (!store.chatNames().empty()) return;
+    if (!store.chatNames().empty() || !store.readOnlyReason().empty()) return;
     store.append("Alice", host::Message::incomingText("Hi! Did you get the report?"));
     store.append("Alice", host::Message::outgoingText("Not yet, can you send it again?"));
     store.append("Bob", host::Message::incomingText("Lunch tomorrow?"));

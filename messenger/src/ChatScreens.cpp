@@ -116,12 +116,24 @@ void renderChat(id object, ScreenText& text) {
     text.title = chat->contactName();
     for (const host::Message& m : chat->messages()) {
         const std::string who = m.outgoing ? "You" : chat->contactName();
-        if (m.kind == host::Message::Kind::Document) {
-            text.lines.push_back(who + ": [document] " + m.text + " (" +
-                                 std::to_string(m.fileSize) + " bytes, " + m.uniformType + ", " +
-                                 m.mimeType.value_or("no MIME type") + ")");
-        } else {
+        if (m.kind != host::Message::Kind::Document) {
             text.lines.push_back(who + ": " + m.text);
+            continue;
+        }
+        const std::string line = who + ": [document] " + m.text;
+        switch (m.state) {
+            case host::Message::State::Sending:
+                text.lines.push_back(line + " … sending " +
+                                     std::to_string(static_cast<int>(m.progress * 100)) + "%");
+                break;
+            case host::Message::State::Failed:
+                text.lines.push_back(line + " … not sent: " + m.failure);
+                break;
+            case host::Message::State::Sent:
+                text.lines.push_back(line + " (" + std::to_string(m.fileSize) + " bytes, " +
+                                     m.uniformType + ", " + m.mimeType.value_or("no MIME type") +
+                                     ")");
+                break;
         }
     }
     if (text.lines.empty()) text.lines.push_back("(no messages)");

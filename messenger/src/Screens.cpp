@@ -40,6 +40,11 @@ void renderChatList(id object, ScreenText& text) {
         text.lines.push_back(std::to_string(++n) + ". " + name);
     }
     if (n == 0) text.lines.push_back("(no chats)");
+    if (const auto& store = list->chatStore()) {
+        if (const std::string why = store->readOnlyReason(); !why.empty()) {
+            text.lines.push_back("Chats cannot be saved: " + why);
+        }
+    }
 }
 
 void renderDebug(id object, ScreenText& text) {

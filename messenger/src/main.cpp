@@ -87,6 +87,9 @@ int run(int argc, char** argv) {
     int status = 0;
     {
         messenger::App app;
+        if (const std::string why = app.store().readOnlyReason(); !why.empty()) {
+            std::cerr << program << ": chats cannot be saved: " << why << "\n";
+        }
         const messenger::CommandTable commands = messenger::standardCommands();
         const messenger::ScreenRenderers renderers = messenger::standardRenderers();
         if (!options.script.empty()) {

@@ -1,5 +1,5 @@
-// Reads the documents the messenger stored in its chat database, straight
-// from the SQLite file, as another program on the device would.
+// Reads (and for tests, changes) the messenger's chat database, straight
+// through the SQLite file, as another program on the device would.
 #pragma once
 
 #include <sqlite3.h>
@@ -56,6 +56,16 @@ inline std::vector<StoredDocument> storedDocuments(const std::string& database,
     sqlite3_finalize(statement);
     sqlite3_close(db);
     return documents;
+}
+
+// Runs SQL on the database as another program would; false on failure.
+inline bool runSql(const std::string& database, const std::string& sql) {
+    sqlite3* db = nullptr;
+    const bool done =
+        sqlite3_open_v2(database.c_str(), &db, SQLITE_OPEN_READWRITE, nullptr) == SQLITE_OK &&
+        sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
+    sqlite3_close(db);
+    return done;
 }
 
 }  // namespace messengertest

@@ -4,7 +4,10 @@
 #include "chat_database.h"
 #include "messenger_process.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <climits>
 
 namespace {
 
@@ -191,6 +194,48 @@ TEST_F(ChatFlows, BeforeIOS8TheShareActionOpensTheFileBrowser) {
         {"--ios", "7.1"}, true);
     EXPECT_EQ(r.status, 0) << r.out << r.err;
     EXPECT_EQ(count(storedDocuments(database(), "Bob"), "archive.zip"), 1);
+}
+
+TEST_F(ChatFlows, ARestartShowsEachSendAsItReallyIs) {
+    ASSERT_EQ(runScript("quit\n", {}, false).status, 0);
+    // Sends as a process left them: one whose process is gone (no process
+    // has that number), one whose process (this test) still runs.
+    const std::string row =
+        "INSERT INTO messages (chat_id, kind, outgoing, file_name, size_in_bytes, uniform_type, "
+        "date, state, progress, sender_pid) SELECT id, 1, 1, '";
+    ASSERT_TRUE(runSql(
+        database(), row + "cut.zip', 10, 'public.zip-archive', 1, 1, 0.5, " +
+                        std::to_string(INT_MAX) + " FROM chats WHERE contact_name = 'Alice'; " +
+                        row + "live.zip', 10, 'public.zip-archive', 2, 1, 0.42, " +
+                        std::to_string(::getpid()) + " FROM chats WHERE contact_name = 'Alice';"));
+    const Result r = runScript(R"script(chat alice
+expect You: [document] cut.zip … not sent: the app stopped before the document was copied
+expect You: [document] live.zip … sending 42%
+)script",
+                               {}, false);
+    EXPECT_EQ(r.status, 0) << r.out << r.err;
+}
+
+TEST_F(ChatFlows, ChatsThatCannotBeSavedAreStillShownAndASendSaysWhy) {
+    ASSERT_EQ(runScript("quit\n", {}, false).status, 0);
+    // The journal cannot be made beside the database, as in a read-only
+    // folder (which does not stop root).
+    fs::create_directory(database() + "-wal");
+    const Result r = runScript("expect Chats cannot be saved: " + database() + R"script(
+chat alice
+expect You: Not yet, can you send it again?
+share
+choose "iCloud Drive"
+choose report.pdf
+expect Document Not Sent
+expect chats cannot be saved
+)script",
+                               {}, false);
+    EXPECT_EQ(r.status, 0) << r.out << r.err;
+    EXPECT_TRUE(contains(r.err, "chats cannot be saved: " + database())) << r.err;
+    EXPECT_FALSE(fs::exists(home() / "Library" / "Media" / "1") &&
+                 !fs::is_empty(home() / "Library" / "Media" / "1"));
+    EXPECT_EQ(readFile(provider() / "report.pdf"), "%PDF-1.4 report");
 }
 
 }  // namespace
