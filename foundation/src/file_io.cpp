@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <stdio.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -21,6 +22,7 @@ class FileDescriptor {
     FileDescriptor& operator=(const FileDescriptor&) = delete;
     ~FileDescriptor() { close(); }
     int get() const { return fd_; }
+    int release() { return std::exchange(fd_, -1); }
     explicit operator bool() const { return fd_ >= 0; }
     bool close() {
         if (fd_ < 0) return true;
@@ -145,6 +147,20 @@ std::optional<std::string> moveAside(const std::string& path, const std::string&
         if (errno != EEXIST) return std::nullopt;
     }
     return std::nullopt;
+}
+
+FileLock::FileLock(const std::string& lockPath) {
+    FileDescriptor fd(::open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644));
+    if (!fd) return;
+    int result;
+    do {
+        result = ::flock(fd.get(), LOCK_EX);
+    } while (result != 0 && errno == EINTR);
+    if (result == 0) fd_ = fd.release();
+}
+
+FileLock::~FileLock() {
+    if (fd_ >= 0) ::close(fd_);
 }
 
 }  // namespace foundation::detail

@@ -27,4 +27,21 @@ std::optional<std::string> moveAside(const std::string& path, const std::string&
 // The folder part of a path ("." for a bare name).
 std::string parentFolder(const std::string& path);
 
+// An exclusive advisory lock (flock) on a lock file, created when missing and
+// never removed (removing it would let two writers lock different files).
+// Held while the object lives; it serialises writers of a file that is
+// replaced by rename, which is why the lock is not on that file itself.
+class FileLock {
+  public:
+    // Waits for the lock; on failure locked() is false and errno says why.
+    explicit FileLock(const std::string& lockPath);
+    ~FileLock();
+    FileLock(const FileLock&) = delete;
+    FileLock& operator=(const FileLock&) = delete;
+    bool locked() const noexcept { return fd_ >= 0; }
+
+  private:
+    int fd_ = -1;
+};
+
 }  // namespace foundation::detail
