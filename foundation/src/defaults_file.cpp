@@ -246,8 +246,7 @@ std::optional<Entries> DefaultsFile::merge(const DefaultsStore::SaveState& state
                                            std::string* problem) {
     const std::string folder = parentFolder(path_);
     if (!createDirectories(folder)) {
-        *problem = "cannot make the folder " + folder + ": " +
-                   std::strerror(errno == EEXIST ? ENOTDIR : errno);
+        *problem = "cannot make the folder " + folder + ": " + std::strerror(errno);
         return std::nullopt;
     }
     const FileLock lock(path_ + ".lock");

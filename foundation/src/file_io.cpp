@@ -90,13 +90,21 @@ std::optional<std::string> readFile(const std::string& path, int* error) {
 }
 
 bool createDirectories(const std::string& path) {
-    if (path.empty()) return false;
+    if (path.empty()) {
+        errno = ENOENT;
+        return false;
+    }
     struct stat info {};
-    if (::stat(path.c_str(), &info) == 0) return S_ISDIR(info.st_mode);
+    const auto isFolder = [&] {
+        if (S_ISDIR(info.st_mode)) return true;
+        errno = ENOTDIR;  // something else is in the way
+        return false;
+    };
+    if (::stat(path.c_str(), &info) == 0) return isFolder();
     const std::string parent = parentFolder(path);
     if (parent != path && parent != "." && !createDirectories(parent)) return false;
     if (::mkdir(path.c_str(), 0755) == 0 || errno == EEXIST) {
-        return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+        return ::stat(path.c_str(), &info) == 0 && isFolder();
     }
     return false;
 }

@@ -11,7 +11,8 @@ namespace foundation::detail {
 // file does not exist).
 std::optional<std::string> readFile(const std::string& path, int* error = nullptr);
 
-// Creates the folder and its missing parents; true when it exists afterwards.
+// Creates the folder and its missing parents; true when it exists afterwards,
+// else false with errno set (ENOTDIR when a file is in the way).
 bool createDirectories(const std::string& path);
 
 // Replaces the file in one step: the bytes go to a new file in the same
