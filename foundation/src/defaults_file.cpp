@@ -140,7 +140,7 @@ void DefaultsFile::load() {
         NSLog(NSSTR("NSUserDefaults: could not read %s (%s) nor move it aside (%s); the defaults "
                     "start empty and will not be saved, so that the file is not overwritten"),
               path_.c_str(), problem.c_str(), std::strerror(errno));
-        writable_ = false;
+        notSaving_ = "the file that is there could not be read nor moved aside";
     }
 }
 
@@ -208,15 +208,13 @@ void DefaultsFile::shutdown() {
 void DefaultsFile::close() {
     shutdown();
     std::lock_guard guard(fileLock_);
-    writable_ = false;
+    notSaving_ = "another NSUserDefaults saves this file now";
 }
 
 bool DefaultsFile::flush(bool takeOthers) {
-    std::lock_guard guard(fileLock_);
-    std::string problem;
-    if (!writable_) {
-        problem = "the file that is there could not be read nor moved aside";
-    } else {
+    std::unique_lock guard(fileLock_);
+    std::string problem = notSaving_;
+    if (problem.empty()) {
         const DefaultsStore::SaveState state = store_.saveState();
         if (state.generation == written_) return true;
         objc::AutoreleasePool pool;
@@ -227,8 +225,10 @@ bool DefaultsFile::flush(bool takeOthers) {
                 std::lock_guard errorGuard(errorLock_);
                 lastError_.clear();
             }
-            store_.saved(state.generation,
-                         takeOthers ? changedElsewhere(state, *onDisk) : Entries());
+            const Entries others = takeOthers ? changedElsewhere(state, *onDisk) : Entries();
+            // Observers of the others' values may synchronize: not under the lock.
+            guard.unlock();
+            store_.saved(state.generation, others);
             return true;
         }
         if (!failing_) {

@@ -70,7 +70,7 @@ class DefaultsFile {
     // One write at a time; guards the fields below it.
     std::mutex fileLock_;
     std::uint64_t written_ = 0;  // the store generation that is on disk
-    bool writable_ = true;       // false when an unreadable file could not be moved aside
+    std::string notSaving_;      // why this object never writes the file; empty: it does
     bool failing_ = false;       // the last write failed (reported once)
 
     mutable std::mutex errorLock_;  // not fileLock_: asking must not wait for a write
