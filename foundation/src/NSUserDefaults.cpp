@@ -137,6 +137,10 @@ std::string NSUserDefaults::filePath() const {
     return file_ ? file_->path() : std::string();
 }
 
+std::string NSUserDefaults::lastSaveError() const {
+    return file_ ? file_->lastError() : std::string();
+}
+
 NSUserDefaults* NSUserDefaults::imp_standardUserDefaults(Class) {
     if (NSUserDefaults* d = standardDefaults.load(std::memory_order_acquire)) return d;
     std::lock_guard guard(standardLock);

@@ -6,6 +6,8 @@
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSLog.h>
 
+#include <algorithm>
+
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
@@ -17,6 +19,9 @@ namespace foundation::detail {
 namespace {
 
 constexpr auto kCoalesceDelay = std::chrono::milliseconds(50);
+// A failed write is tried again after this, doubling up to the longest.
+constexpr auto kFirstRetry = std::chrono::milliseconds(200);
+constexpr auto kLongestRetry = std::chrono::milliseconds(10000);
 
 // Every live file, so that pending changes are written when the process
 // exits, before static objects go away under a running writer.
@@ -59,6 +64,30 @@ std::string timestamp() {
     return text;
 }
 
+// The values in `onDisk` that differ from this process's (null: removed
+// there), leaving out the keys it changed itself.
+Entries changedElsewhere(const DefaultsStore::SaveState& state, const Entries& onDisk) {
+    KeyTable<StoredValue> mine;
+    mine.reserve(state.values.size());
+    for (const auto& [key, value] : state.values) mine.at(StoredKey{key, key->hash()}) = value;
+    KeyTable<bool> changed;
+    for (const auto& entry : state.changes) changed.at(StoredKey{entry.first, entry.first->hash()});
+    Entries others;
+    for (const auto& [key, value] : onDisk) {
+        const KeyRef ref{key.get(), key->hash()};
+        if (changed.find(ref) != nullptr) continue;
+        const StoredValue taken = mine.take(ref);
+        if (!taken || !objc::msgSend<bool>(taken.get(), objc::sel<"isEqual:">(), value.get())) {
+            others.emplace_back(key, value);
+        }
+    }
+    mine.forEach([&](const auto& key, const StoredValue&) {
+        if (changed.find(KeyRef{key.get(), key->hash()}) == nullptr)
+            others.emplace_back(key, nullptr);
+    });
+    return others;
+}
+
 }  // namespace
 
 DefaultsFile::DefaultsFile(std::string path, DefaultsStore& store)
@@ -94,7 +123,7 @@ void DefaultsFile::load() {
             problem = std::string("its top level is an object of class ") +
                       object_getClassName(root.get()) + ", not a dictionary";
         }
-    } else if (error == ENOENT) {
+    } else if (error == ENOENT || error == ENOTDIR) {
         written_ = store_.snapshot().second;
         return;  // nothing stored yet
     } else {
@@ -111,7 +140,7 @@ void DefaultsFile::load() {
         NSLog(NSSTR("NSUserDefaults: could not read %s (%s) nor move it aside (%s); the defaults "
                     "start empty and will not be saved, so that the file is not overwritten"),
               path_.c_str(), problem.c_str(), std::strerror(errno));
-        writable_ = false;
+        notSaving_ = "the file that is there could not be read nor moved aside";
     }
 }
 
@@ -130,22 +159,38 @@ void DefaultsFile::startWriterLocked() {
 
 void DefaultsFile::run() {
     std::unique_lock guard(writerLock_);
+    std::chrono::milliseconds retry{0};  // zero: nothing failed
     for (;;) {
-        wake_.wait(guard, [&] { return stopping_ || pending_.load(std::memory_order_relaxed); });
+        const auto due = [&] { return stopping_ || pending_.load(std::memory_order_relaxed); };
+        if (retry.count() == 0) {
+            wake_.wait(guard, due);
+        } else {
+            wake_.wait_for(guard, retry, due);
+        }
         if (stopping_) return;
         // Let a burst of changes settle into one write.
-        if (wake_.wait_for(guard, kCoalesceDelay, [&] { return stopping_; })) return;
+        if (pending_.load(std::memory_order_relaxed) &&
+            wake_.wait_for(guard, kCoalesceDelay, [&] { return stopping_; })) {
+            return;
+        }
         // Cleared before the snapshot is taken, so a change after this point
         // schedules another write.
         pending_.store(false, std::memory_order_release);
         guard.unlock();
-        flush();
+        const bool ok = flush();
         guard.lock();
+        retry = ok ? std::chrono::milliseconds(0)
+                   : std::clamp(retry * 2, std::chrono::milliseconds(kFirstRetry), kLongestRetry);
     }
 }
 
 bool DefaultsFile::synchronize() {
     return flush();
+}
+
+std::string DefaultsFile::lastError() const {
+    std::lock_guard guard(errorLock_);
+    return lastError_;
 }
 
 void DefaultsFile::shutdown() {
@@ -157,42 +202,120 @@ void DefaultsFile::shutdown() {
         wake_.notify_all();
     }
     if (writer.joinable()) writer.join();
-    flush();
+    flush(false);
 }
 
 void DefaultsFile::close() {
     shutdown();
     std::lock_guard guard(fileLock_);
-    writable_ = false;
+    notSaving_ = "another NSUserDefaults saves this file now";
 }
 
-bool DefaultsFile::flush() {
-    std::lock_guard guard(fileLock_);
-    if (!writable_) return false;
-    auto [entries, generation] = store_.snapshot();
-    if (generation == written_) return true;
-    objc::AutoreleasePool pool;
-    std::vector<std::pair<id, id>> pairs;
-    pairs.reserve(entries.size());
-    for (const auto& [key, value] : entries) pairs.emplace_back(key.get(), value.get());
-    const auto dictionary = NSDictionary::create(pairs);
-    std::string problem;
-    const auto bytes = encodePropertyList(dictionary, PlistFormat::Binary, &problem);
-    bool ok = bytes.has_value();
-    if (ok) {
-        ok = createDirectories(parentFolder(path_)) && writeFileAtomically(path_, *bytes, true);
-        if (!ok) problem = std::strerror(errno);
-    }
-    if (!ok) {
+bool DefaultsFile::flush(bool takeOthers) {
+    std::unique_lock guard(fileLock_);
+    std::string problem = notSaving_;
+    if (problem.empty()) {
+        const DefaultsStore::SaveState state = store_.saveState();
+        if (state.generation == written_) return true;
+        objc::AutoreleasePool pool;
+        if (const auto onDisk = merge(state, &problem)) {
+            failing_ = false;
+            written_ = state.generation;
+            {
+                std::lock_guard errorGuard(errorLock_);
+                lastError_.clear();
+            }
+            const Entries others = takeOthers ? changedElsewhere(state, *onDisk) : Entries();
+            // Observers of the others' values may synchronize: not under the lock.
+            guard.unlock();
+            store_.saved(state.generation, others);
+            return true;
+        }
         if (!failing_) {
-            NSLog(NSSTR("NSUserDefaults: could not save %s: %s"), path_.c_str(), problem.c_str());
+            NSLog(NSSTR("NSUserDefaults: could not save %s: %s; trying again later"), path_.c_str(),
+                  problem.c_str());
         }
         failing_ = true;
-        return false;
     }
-    failing_ = false;
-    written_ = generation;
-    return true;
+    std::lock_guard errorGuard(errorLock_);
+    lastError_ = std::move(problem);
+    return false;
+}
+
+std::optional<Entries> DefaultsFile::merge(const DefaultsStore::SaveState& state,
+                                           std::string* problem) {
+    const std::string folder = parentFolder(path_);
+    if (!createDirectories(folder)) {
+        *problem = "cannot make the folder " + folder + ": " + std::strerror(errno);
+        return std::nullopt;
+    }
+    const FileLock lock(path_ + ".lock");
+    if (!lock.locked()) {
+        *problem = "cannot lock " + path_ + ".lock: " + std::strerror(errno);
+        return std::nullopt;
+    }
+    // What is on disk now: other processes may have written since we read it.
+    KeyTable<StoredValue> merged;
+    Entries base;
+    int error = 0;
+    if (const auto bytes = readFile(path_, &error)) {
+        std::string unreadable;
+        const auto root =
+            decodePropertyList(*bytes, PlistMutability::Immutable, nullptr, &unreadable);
+        if (auto* dictionary = objc::cast<NSDictionary>(root.get())) {
+            base.reserve(dictionary->size());
+            dictionary->forEach([&](id key, id value) {
+                base.emplace_back(objc::retained(static_cast<NSString*>(key)),
+                                  objc::retained(value));
+            });
+        } else {
+            // Spoilt since it was loaded: keep it for rescue, and write what
+            // this process knows.
+            const auto aside = moveAside(path_, ".unreadable-" + timestamp());
+            if (!aside) {
+                *problem =
+                    "cannot move the unreadable file aside: " + std::string(std::strerror(errno));
+                return std::nullopt;
+            }
+            NSLog(NSSTR("NSUserDefaults: %s could not be read; it was kept as %s"), path_.c_str(),
+                  aside->c_str());
+            base = state.values;
+        }
+    } else if (error == ENOENT) {
+        base = state.values;  // gone (or never written): what this process knows
+    } else {
+        *problem = "cannot read it to merge: " + std::string(std::strerror(error));
+        return std::nullopt;
+    }
+    merged.reserve(base.size() + state.changes.size());
+    for (auto& [key, value] : base) {
+        const NSUInteger hash = key->hash();
+        merged.at(StoredKey{std::move(key), hash}) = std::move(value);
+    }
+    for (const auto& [key, value] : state.changes) {
+        const NSUInteger hash = key->hash();
+        if (value) {
+            merged.at(StoredKey{key, hash}) = value;
+        } else {
+            merged.take(KeyRef{key.get(), hash});
+        }
+    }
+    Entries entries;
+    entries.reserve(merged.size());
+    std::vector<std::pair<id, id>> pairs;
+    pairs.reserve(merged.size());
+    merged.forEach([&](const auto& key, const StoredValue& value) {
+        entries.emplace_back(key, value);
+        pairs.emplace_back(key.get(), value.get());
+    });
+    const auto dictionary = NSDictionary::create(pairs);
+    const auto bytes = encodePropertyList(dictionary, PlistFormat::Binary, problem);
+    if (!bytes) return std::nullopt;
+    if (!writeFileAtomically(path_, *bytes, true)) {
+        *problem = std::strerror(errno);
+        return std::nullopt;
+    }
+    return entries;
 }
 
 }  // namespace foundation::detail

@@ -8,7 +8,14 @@
 // Writes happen on a background thread about 50 ms after a change, so that
 // bursts of changes cost one write and callers never wait for the disk, and
 // in synchronize, which the caller chose to wait for. Pending changes are
-// written when the process exits normally.
+// written when the process exits normally. A write that fails is tried again
+// later, sooner at first, and at the next change; what it held stays pending.
+//
+// Several processes may share one file (two messengers on one container), so
+// a write never replaces the file with this process's view: under a lock on
+// "<path>.lock" it reads the file again, applies only the keys this process
+// changed since its last write, and writes the result; values the others
+// saved meanwhile are taken into this process's defaults.
 #pragma once
 
 #include "defaults_store.h"
@@ -17,6 +24,7 @@
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -38,6 +46,8 @@ class DefaultsFile {
     void changed();
     // Writes the current state now unless it is on disk already; true once it is.
     bool synchronize();
+    // Why the latest write failed; empty when it succeeded.
+    std::string lastError() const;
     // Stops the writer thread and writes what is pending. Idempotent.
     void shutdown();
     // Shuts down and writes nothing more: another object owns the file now.
@@ -45,7 +55,12 @@ class DefaultsFile {
 
   private:
     void load();
-    bool flush();
+    // `takeOthers`: adopt what other processes saved (not at exit, when
+    // observers may be gone).
+    bool flush(bool takeOthers = true);
+    // Merges `state` into the file under its lock; answers the file's new
+    // content, or nothing with the reason in *problem.
+    std::optional<Entries> merge(const DefaultsStore::SaveState& state, std::string* problem);
     void run();
     void startWriterLocked();
 
@@ -55,8 +70,11 @@ class DefaultsFile {
     // One write at a time; guards the fields below it.
     std::mutex fileLock_;
     std::uint64_t written_ = 0;  // the store generation that is on disk
-    bool writable_ = true;       // false when an unreadable file could not be moved aside
+    std::string notSaving_;      // why this object never writes the file; empty: it does
     bool failing_ = false;       // the last write failed (reported once)
+
+    mutable std::mutex errorLock_;  // not fileLock_: asking must not wait for a write
+    std::string lastError_;
 
     // The writer thread's state.
     std::mutex writerLock_;

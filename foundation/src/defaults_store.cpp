@@ -103,6 +103,12 @@ void DefaultsStore::set(StoredKey key, objc::Strong<objc_object> value) {
             observedKey = key.string;
             oldEffective = objc::retained(effectiveLocked(ref));
         }
+        ++generation_;
+        if (std::uint64_t* change = unsaved_.find(ref)) {
+            *change = generation_;
+        } else {
+            unsaved_.at(StoredKey{key.string, key.hash}) = generation_;
+        }
         if (value) {
             // The table or `key` keeps ref's string alive.
             replaced = std::exchange(values_.at(std::move(key)), std::move(value));
@@ -110,7 +116,6 @@ void DefaultsStore::set(StoredKey key, objc::Strong<objc_object> value) {
             replaced = values_.take(ref);
         }
         if (observed) newEffective = objc::retained(effectiveLocked(ref));
-        ++generation_;
     }
     if (onChange_) onChange_();
     if (observedKey) deliver(delivery, observedKey.get(), oldEffective, newEffective);
@@ -146,8 +151,10 @@ void DefaultsStore::load(Entries entries) {
         const NSUInteger hash = string->hash();
         fresh.at(StoredKey{std::move(string), hash}) = std::move(value);
     }
+    KeyTable<std::uint64_t> none;
     std::lock_guard guard(lock_);
     values_.swap(fresh);
+    unsaved_.swap(none);
     ++generation_;
 }
 
@@ -158,6 +165,63 @@ std::pair<Entries, std::uint64_t> DefaultsStore::snapshot() const {
     values_.forEach(
         [&](const auto& key, const StoredValue& value) { entries.emplace_back(key, value); });
     return {std::move(entries), generation_};
+}
+
+DefaultsStore::SaveState DefaultsStore::saveState() const {
+    SaveState state;
+    std::lock_guard guard(lock_);
+    state.values.reserve(values_.size());
+    values_.forEach(
+        [&](const auto& key, const StoredValue& value) { state.values.emplace_back(key, value); });
+    state.changes.reserve(unsaved_.size());
+    unsaved_.forEachEntry([&](const auto& entry) {
+        const StoredValue* value = values_.find(KeyRef{entry.key.get(), entry.hash});
+        state.changes.emplace_back(entry.key, value != nullptr ? *value : StoredValue());
+    });
+    state.generation = generation_;
+    return state;
+}
+
+void DefaultsStore::saved(std::uint64_t generation, const Entries& others) {
+    // Hashes are messages: computed before the lock.
+    std::vector<NSUInteger> hashes;
+    hashes.reserve(others.size());
+    for (const auto& entry : others) hashes.push_back(entry.first->hash());
+    {
+        std::lock_guard guard(lock_);
+        if (!unsaved_.empty()) {
+            KeyTable<std::uint64_t> later;
+            unsaved_.forEachEntry([&](const auto& entry) {
+                if (entry.value > generation)
+                    later.at(StoredKey{entry.key, entry.hash}) = entry.value;
+            });
+            unsaved_.swap(later);
+        }
+    }
+    for (std::size_t i = 0; i < others.size(); ++i) {
+        const auto& [string, value] = others[i];
+        const KeyRef ref{string.get(), hashes[i]};
+        Delivery delivery;
+        objc::Strong<objc_object> oldEffective;
+        objc::Strong<objc_object> newEffective;
+        StoredValue replaced;
+        {
+            std::lock_guard guard(lock_);
+            if (unsaved_.find(ref) != nullptr) continue;  // ours wins: saved next time
+            snapshotObserversLocked(ref, delivery);
+            const bool observed = !delivery.targets.empty();
+            if (observed) oldEffective = objc::retained(effectiveLocked(ref));
+            if (value) {
+                replaced = std::exchange(values_.at(StoredKey{string, ref.hash}), value);
+            } else {
+                replaced = values_.take(ref);
+            }
+            if (observed) newEffective = objc::retained(effectiveLocked(ref));
+        }
+        if (!delivery.targets.empty()) {
+            deliver(delivery, string.get(), oldEffective, newEffective);
+        }
+    }
 }
 
 Entries DefaultsStore::effectiveEntries() const {

@@ -56,6 +56,21 @@ class DefaultsStore {
     // The stored values (without registered defaults) and the number of
     // changes so far, taken at one moment.
     std::pair<Entries, std::uint64_t> snapshot() const;
+
+    // What a save needs, taken at one moment: every stored value, the keys
+    // this process changed since its last save (value null: removed) and the
+    // number of changes so far.
+    struct SaveState {
+        Entries values;
+        Entries changes;
+        std::uint64_t generation = 0;
+    };
+    SaveState saveState() const;
+    // The changes up to `generation` are saved. `others` are values that
+    // other processes saved meanwhile (null: removed): each is taken unless
+    // this process changed its key since the save began, and observers are
+    // told.
+    void saved(std::uint64_t generation, const Entries& others);
     // Registered defaults, then stored values (which win).
     Entries effectiveEntries() const;
 
@@ -111,6 +126,9 @@ class DefaultsStore {
     std::condition_variable callFinished_;
     KeyTable<StoredValue> values_;
     KeyTable<StoredValue> registered_;
+    // Keys changed since the last load or save, with the generation of their
+    // latest change: a save applies only these to what is on disk.
+    KeyTable<std::uint64_t> unsaved_;
     KeyTable<std::vector<Registration>> observers_;
     Delivery* deliveries_ = nullptr;
     std::size_t waiters_ = 0;

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <stdio.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -21,6 +22,7 @@ class FileDescriptor {
     FileDescriptor& operator=(const FileDescriptor&) = delete;
     ~FileDescriptor() { close(); }
     int get() const { return fd_; }
+    int release() { return std::exchange(fd_, -1); }
     explicit operator bool() const { return fd_ >= 0; }
     bool close() {
         if (fd_ < 0) return true;
@@ -88,13 +90,21 @@ std::optional<std::string> readFile(const std::string& path, int* error) {
 }
 
 bool createDirectories(const std::string& path) {
-    if (path.empty()) return false;
+    if (path.empty()) {
+        errno = ENOENT;
+        return false;
+    }
     struct stat info {};
-    if (::stat(path.c_str(), &info) == 0) return S_ISDIR(info.st_mode);
+    const auto isFolder = [&] {
+        if (S_ISDIR(info.st_mode)) return true;
+        errno = ENOTDIR;  // something else is in the way
+        return false;
+    };
+    if (::stat(path.c_str(), &info) == 0) return isFolder();
     const std::string parent = parentFolder(path);
     if (parent != path && parent != "." && !createDirectories(parent)) return false;
     if (::mkdir(path.c_str(), 0755) == 0 || errno == EEXIST) {
-        return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+        return ::stat(path.c_str(), &info) == 0 && isFolder();
     }
     return false;
 }
@@ -145,6 +155,20 @@ std::optional<std::string> moveAside(const std::string& path, const std::string&
         if (errno != EEXIST) return std::nullopt;
     }
     return std::nullopt;
+}
+
+FileLock::FileLock(const std::string& lockPath) {
+    FileDescriptor fd(::open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644));
+    if (!fd) return;
+    int result;
+    do {
+        result = ::flock(fd.get(), LOCK_EX);
+    } while (result != 0 && errno == EINTR);
+    if (result == 0) fd_ = fd.release();
+}
+
+FileLock::~FileLock() {
+    if (fd_ >= 0) ::close(fd_);
 }
 
 }  // namespace foundation::detail

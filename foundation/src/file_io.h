@@ -11,7 +11,8 @@ namespace foundation::detail {
 // file does not exist).
 std::optional<std::string> readFile(const std::string& path, int* error = nullptr);
 
-// Creates the folder and its missing parents; true when it exists afterwards.
+// Creates the folder and its missing parents; true when it exists afterwards,
+// else false with errno set (ENOTDIR when a file is in the way).
 bool createDirectories(const std::string& path);
 
 // Replaces the file in one step: the bytes go to a new file in the same
@@ -26,5 +27,22 @@ std::optional<std::string> moveAside(const std::string& path, const std::string&
 
 // The folder part of a path ("." for a bare name).
 std::string parentFolder(const std::string& path);
+
+// An exclusive advisory lock (flock) on a lock file, created when missing and
+// never removed (removing it would let two writers lock different files).
+// Held while the object lives; it serialises writers of a file that is
+// replaced by rename, which is why the lock is not on that file itself.
+class FileLock {
+  public:
+    // Waits for the lock; on failure locked() is false and errno says why.
+    explicit FileLock(const std::string& lockPath);
+    ~FileLock();
+    FileLock(const FileLock&) = delete;
+    FileLock& operator=(const FileLock&) = delete;
+    bool locked() const noexcept { return fd_ >= 0; }
+
+  private:
+    int fd_ = -1;
+};
 
 }  // namespace foundation::detail

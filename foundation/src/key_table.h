@@ -96,6 +96,13 @@ class KeyTable {
             if (e.key) fn(e.key, e.value);
         }
     }
+    // The same, with each key's hash.
+    template <class F>
+    void forEachEntry(F&& fn) const {
+        for (const Entry& e : slots_) {
+            if (e.key) fn(e);
+        }
+    }
 
     void reserve(std::size_t n) {
         while (n * 2 > slots_.size()) grow();

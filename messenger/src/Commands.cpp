@@ -3,10 +3,16 @@
 #include "DefaultsValue.h"
 #include "TableScreens.h"
 
+#include <Foundation/NSDate.h>
 #include <Foundation/NSDictionary.h>
+#include <Foundation/NSRunLoop.h>
 #include <Foundation/NSUserDefaults.h>
+#include <Foundation/dispatch.h>
 
 #include <algorithm>
+#include <chrono>
+#include <memory>
+#include <optional>
 #include <utility>
 
 namespace messenger {
@@ -73,6 +79,42 @@ void listDefaults(CommandContext& context) {
     context.showScreen = false;
 }
 
+// How long `set` waits to learn whether its value reached the disk. The app
+// runs meanwhile; a slower disk finishes in the background.
+constexpr auto kSavePatience = std::chrono::seconds(2);
+
+// Saves the defaults on a worker thread while the main loop keeps running;
+// answers why they could not be saved, or nothing (saved, or still saving).
+std::optional<std::string> waitForSave(NSUserDefaults* defaults) {
+    struct Outcome {
+        bool done = false;  // these are touched on the main thread only
+        std::string problem;
+    };
+    const auto outcome = std::make_shared<Outcome>();
+    dispatch_async(dispatch_get_global_queue(0, 0), [defaults, outcome] {
+        std::string problem;
+        if (!defaults->synchronize()) {
+            problem = defaults->lastSaveError();
+            if (problem.empty()) problem = "unknown error";
+        }
+        dispatch_async(dispatch_get_main_queue(), [outcome, problem = std::move(problem)] {
+            outcome->problem = problem;
+            outcome->done = true;
+        });
+    });
+    const auto deadline = std::chrono::steady_clock::now() + kSavePatience;
+    NSRunLoop* loop = NSRunLoop::mainRunLoop();
+    for (auto now = std::chrono::steady_clock::now(); !outcome->done && now < deadline;
+         now = std::chrono::steady_clock::now()) {
+        const std::chrono::duration<double> left = deadline - now;
+        objc::AutoreleasePool pool;
+        loop->runModeBeforeDate(NSDefaultRunLoopMode,
+                                NSDate::dateWithTimeIntervalSinceNow(left.count()));
+    }
+    if (!outcome->done || outcome->problem.empty()) return std::nullopt;
+    return outcome->problem;
+}
+
 void setDefault(CommandContext& context, const std::string& argument) {
     const auto space = argument.find(' ');
     if (argument.empty() || space == std::string::npos) {
@@ -85,8 +127,11 @@ void setDefault(CommandContext& context, const std::string& argument) {
     const objc::Strong<objc_object> value = parseDefaultsValue(text);
     NSUserDefaults* defaults = NSUserDefaults::standardUserDefaults();
     defaults->setObjectForKey(value.get(), NSString::create(key).get());
-    defaults->synchronize();
-    context.out << key << " = " << describeDefaultsValue(value.get()) << "\n";
+    context.out << key << " = " << describeDefaultsValue(value.get());
+    if (const auto problem = waitForSave(defaults)) {
+        context.out << " (not saved: " << *problem << "; it is saved as soon as that works)";
+    }
+    context.out << "\n";
 }
 
 }  // namespace

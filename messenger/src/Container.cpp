@@ -26,10 +26,13 @@ std::string createContainer(const std::string& home) {
     std::error_code error;
     const fs::path root = fs::absolute(home, error);
     if (error) return home + ": " + error.message();
-    for (const fs::path sub : {"Documents", "Library/Preferences", "Library/Caches", "tmp"}) {
+    for (const fs::path sub : {"Documents", "Library/Caches", "tmp"}) {
         fs::create_directories(root / sub, error);
         if (error) return (root / sub).string() + ": " + error.message();
     }
+    // Not needed to run: the user defaults make it when they save, and say
+    // so when they cannot.
+    fs::create_directories(root / "Library/Preferences", error);
     return {};
 }
 

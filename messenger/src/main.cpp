@@ -100,7 +100,11 @@ int run(int argc, char** argv) {
                                                isatty(STDIN_FILENO) != 0);
         }
     }
-    NSUserDefaults::standardUserDefaults()->synchronize();
+    if (NSUserDefaults* defaults = NSUserDefaults::standardUserDefaults();
+        !defaults->synchronize()) {
+        std::cerr << program << ": the settings could not be saved: " << defaults->lastSaveError()
+                  << "\n";
+    }
     return status;
 }
 

@@ -1,6 +1,7 @@
 // A child process for the user-defaults persistence tests.
-//   defaults_writer FILE set KEY=VALUE...   stores strings and exits normally
-//                                           (exit()), without synchronize
+//   defaults_writer FILE set KEY=VALUE...   stores strings (-KEY: removes the
+//                                           key) and exits normally (exit()),
+//                                           without synchronize
 //   defaults_writer FILE loop               stores counter = previous + 1, 2...
 //                                           forever, synchronizing each and
 //                                           printing each acknowledged value
@@ -26,6 +27,10 @@ void say(const std::string& line) {
 int set(NSUserDefaults* defaults, int argc, char** argv) {
     for (int i = 3; i < argc; ++i) {
         const std::string pair = argv[i];
+        if (pair.rfind('-', 0) == 0) {
+            defaults->removeObjectForKey(NSString::create(pair.substr(1)));
+            continue;
+        }
         const auto eq = pair.find('=');
         if (eq == std::string::npos) return 2;
         defaults->setObjectForKey(NSString::create(pair.substr(eq + 1)),

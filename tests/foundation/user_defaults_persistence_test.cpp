@@ -68,8 +68,9 @@ TEST(DefaultsPersistence, ValuesSurviveIntoANewInstanceWithTheirKinds) {
     auto* nested = reloaded->dictionaryForKey(S("nested"));
     ASSERT_NE(nested, nullptr);
     EXPECT_EQ(objc::cast<NSArray>(nested->objectForKey(S("list")))->count(), 2u);
-    // Only the file itself: no temporary files are left behind.
-    EXPECT_EQ(filesIn(folder / "Library/Preferences"), std::vector<std::string>{"app.plist"});
+    // Only the file and the writers' lock file: no temporary files are left behind.
+    EXPECT_EQ(filesIn(folder / "Library/Preferences"),
+              (std::vector<std::string>{"app.plist", "app.plist.lock"}));
 }
 
 TEST(DefaultsPersistence, ChangesReachTheDiskSoonWithoutSynchronize) {
@@ -85,6 +86,39 @@ TEST(DefaultsPersistence, ChangesReachTheDiskSoonWithoutSynchronize) {
         if (fs::exists(file)) seen = NSUserDefaults::create(file)->integerForKey(S("burst")) == 100;
     }
     EXPECT_TRUE(seen) << "the background writer did not save the last value";
+}
+
+// Polls the file until the key holds the text, for up to 5 s.
+bool appearsOnDisk(const std::string& file, NSString* key, NSString* text) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    while (std::chrono::steady_clock::now() < deadline) {
+        objc::AutoreleasePool pool;
+        if (fs::exists(file) && text->isEqual(NSUserDefaults::create(file)->objectForKey(key))) {
+            return true;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    return false;
+}
+
+TEST(DefaultsPersistence, ChangesThatCannotBeSavedStayPendingUntilTheFolderCanBeWritten) {
+    objc::AutoreleasePool pool;
+    TempFolder folder;
+    // A file where the folder belongs stops root as well as anybody.
+    folder.write("Preferences", "not a folder");
+    const std::string file = folder / "Preferences/app.plist";
+    auto defaults = NSUserDefaults::create(file);
+    defaults->setObjectForKey(S("one"), S("first"));
+    EXPECT_FALSE(defaults->synchronize());
+    EXPECT_NE(defaults->lastSaveError().find("Preferences"), std::string::npos)
+        << defaults->lastSaveError();
+    defaults->setObjectForKey(S("two"), S("second"));
+    fs::remove(folder / "Preferences");
+    // The writer tries again by itself, with everything that is pending.
+    EXPECT_TRUE(appearsOnDisk(file, S("second"), S("two")));
+    EXPECT_TRUE(S("one")->isEqual(NSUserDefaults::create(file)->objectForKey(S("first"))));
+    EXPECT_TRUE(defaults->synchronize());
+    EXPECT_EQ(defaults->lastSaveError(), "");
 }
 
 TEST(DefaultsPersistence, UnreadableFilesAreKeptAsideAndDefaultsStartEmpty) {
@@ -159,6 +193,43 @@ TEST(DefaultsPersistence, ValuesWrittenByAProcessThatExitsNormallyAreThereNextTi
     auto defaults = NSUserDefaults::create(file);
     EXPECT_TRUE(S("fr")->isEqual(defaults->objectForKey(S("language"))));
     EXPECT_TRUE(S("dark")->isEqual(defaults->objectForKey(S("theme"))));
+}
+
+TEST(DefaultsPersistence, ProcessesSharingAFileKeepEachOthersChanges) {
+    objc::AutoreleasePool pool;
+    TempFolder folder;
+    const std::string file = folder / "app.plist";
+    // This process read the file before the others changed it.
+    auto mine = NSUserDefaults::create(file);
+    mine->setObjectForKey(S("x"), S("doomed"));
+    mine->setObjectForKey(S("y"), S("kept"));
+    ASSERT_TRUE(mine->synchronize());
+    constexpr int kWriters = 8;
+    std::vector<Child> children;
+    for (int i = 0; i < kWriters; ++i) {
+        std::vector<std::string> args{file, "set", "key" + std::to_string(i) + "=v"};
+        if (i == 0) args.push_back("-doomed");
+        children.push_back(spawn(args));
+    }
+    for (const Child& child : children) {
+        const int status = waitFor(child.pid);
+        ::close(child.output);
+        ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+    }
+    // A write of this process's own change merges as well, and takes in the
+    // others' values.
+    mine->setObjectForKey(S("z"), S("own"));
+    ASSERT_TRUE(mine->synchronize());
+    const auto fresh = NSUserDefaults::create(file);
+    for (NSUserDefaults* defaults : {mine.get(), fresh.get()}) {
+        for (int i = 0; i < kWriters; ++i) {
+            const std::string key = "key" + std::to_string(i);
+            EXPECT_TRUE(S("v")->isEqual(defaults->objectForKey(S(key.c_str())))) << key;
+        }
+        EXPECT_EQ(defaults->objectForKey(S("doomed")), nullptr);
+        EXPECT_TRUE(S("y")->isEqual(defaults->objectForKey(S("kept"))));
+        EXPECT_TRUE(S("z")->isEqual(defaults->objectForKey(S("own"))));
+    }
 }
 
 TEST(DefaultsPersistence, AProcessKilledAtAnyMomentLeavesEveryAcknowledgedValue) {

@@ -31,6 +31,19 @@ TEST_F(Session, DefaultsWrittenWithSetSurviveARestart) {
     }
 }
 
+TEST_F(Session, SetSaysWhenItsValueCouldNotBeSaved) {
+    // A file where the preferences folder belongs: no write there succeeds,
+    // not even root's.
+    fs::create_directories(home.path() / "Library");
+    std::ofstream(home.path() / "Library" / "Preferences") << "not a folder";
+    const Result r = send("set retries 3\ndefaults\nquit\n");
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_TRUE(contains(r.out, "retries = 3 (not saved: ")) << r.out;
+    EXPECT_TRUE(contains(r.out, "Preferences: Not a directory")) << r.out;
+    EXPECT_TRUE(contains(r.out, "retries = 3\n")) << "kept in memory:\n" << r.out;
+    EXPECT_TRUE(contains(r.err, "the settings could not be saved")) << r.err;
+}
+
 TEST_F(Session, ScreensFollowTheCommands) {
     const Result r = send("chat bob\nback\nsettings\nback\nback\n");
     ASSERT_EQ(r.status, 0) << r.err;

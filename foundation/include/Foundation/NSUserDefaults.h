@@ -66,7 +66,9 @@ class NSUserDefaults : public NSObject {
     void removeObjectForKey(NSString* key) {
         objc::msgSend<void>(this, objc::sel<"removeObjectForKey:">(), key);
     }
-    // Answers YES once the current values are durably on disk.
+    // Answers YES once the current values are durably on disk, NO when they
+    // could not be written (see lastSaveError()); they stay pending and are
+    // written by a later attempt.
     bool synchronize() { return objc::msgSend<bool>(this, objc::sel<"synchronize">()); }
     // Values answered for keys that have none; not saved.
     void registerDefaults(NSDictionary* defaults) {
@@ -140,6 +142,9 @@ class NSUserDefaults : public NSObject {
 
     // The file the values live in; empty for in-memory defaults.
     std::string filePath() const;
+    // Why the latest write of that file failed, for telling the user; empty
+    // when it succeeded.
+    std::string lastSaveError() const;
 
     NSUserDefaults();
     ~NSUserDefaults() override;
