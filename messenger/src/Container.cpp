@@ -1,5 +1,7 @@
 #include "Container.h"
 
+#include <Host/MediaCopy.h>
+
 #include <UIKit/DocumentProvider.h>
 
 #include <cstdlib>
@@ -30,6 +32,8 @@ std::string createContainer(const std::string& home) {
         fs::create_directories(root / sub, error);
         if (error) return (root / sub).string() + ": " + error.message();
     }
+    // Before anything can send: copies a killed run left unfinished.
+    host::removeLeftoverCopies(root / "Library" / "Media");
     return {};
 }
 
