@@ -25,7 +25,7 @@ namespace {
 
 // Large enough that the kernel copies at full speed, small enough that
 // progress is reported often.
-constexpr std::uint64_t kChunk = std::uint64_t{64} << 20;
+constexpr std::uint64_t kChunk = std::uint64_t{16} << 20;
 constexpr std::size_t kBufferSize = std::size_t{1} << 20;
 constexpr auto kReportInterval = std::chrono::milliseconds(100);
 
@@ -196,6 +196,8 @@ std::uint64_t copyRegular(int in, int out, std::uint64_t size, std::chrono::mill
         meter.add(size);
         return size;
     }
+    // Read ahead generously where the data is not in memory yet.
+    ::posix_fadvise(in, 0, 0, POSIX_FADV_SEQUENTIAL);
     bool inKernel = true;
     std::vector<char> buffer;
     std::uint64_t position = 0;
