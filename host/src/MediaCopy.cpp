@@ -130,9 +130,11 @@ std::uint64_t streamToEnd(int in, int out, std::chrono::milliseconds stallTimeou
         if (polled < 0 && errno == EINTR) continue;
         if (polled < 0) throwErrno("cannot read " + label);
         if (polled == 0) {
-            throw std::system_error(
-                ETIMEDOUT, std::generic_category(),
-                label + " gave no data for " + std::to_string(stallTimeout.count()) + " ms");
+            const auto ms = stallTimeout.count();
+            throw std::system_error(ETIMEDOUT, std::generic_category(),
+                                    label + " gave no data for " +
+                                        (ms % 1000 == 0 ? std::to_string(ms / 1000) + " s"
+                                                        : std::to_string(ms) + " ms"));
         }
         const ssize_t n = ::read(in, buffer.data(), buffer.size());
         if (n < 0 && (errno == EINTR || errno == EAGAIN)) continue;
