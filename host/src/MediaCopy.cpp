@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <optional>
 #include <random>
@@ -126,7 +127,8 @@ std::uint64_t streamToEnd(int in, int out, std::chrono::milliseconds stallTimeou
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
             stallTimeout - (Clock::now() - lastData));
         pollfd ready{in, POLLIN, 0};
-        const int polled = left.count() > 0 ? ::poll(&ready, 1, static_cast<int>(left.count())) : 0;
+        const int wait = static_cast<int>(std::min<std::int64_t>(left.count(), INT_MAX));
+        const int polled = wait > 0 ? ::poll(&ready, 1, wait) : 0;
         if (polled < 0 && errno == EINTR) continue;
         if (polled < 0) throwErrno("cannot read " + label);
         if (polled == 0) {
