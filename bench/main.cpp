@@ -22,6 +22,11 @@ class CollectingReporter : public benchmark::ConsoleReporter {
             nanoseconds_[run.benchmark_name()] =
                 (real ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime()) *
                 multiplier(run.time_unit);
+            // A counter, as "<benchmark>:<counter>", for targets that compare
+            // other measures than time (the disk a file takes, say).
+            for (const auto& [name, counter] : run.counters) {
+                nanoseconds_[run.benchmark_name() + ":" + name] = counter.value;
+            }
         }
         ConsoleReporter::ReportRuns(runs);
     }

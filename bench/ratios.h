@@ -1,5 +1,6 @@
 // Targets that the benchmark run checks: a ratio of two benchmarks measured in
-// the same run, or a bound on one benchmark's time per iteration.
+// the same run, or a bound on one benchmark's time per iteration. A ratio may
+// also compare two benchmarks' counters, named "<benchmark>:<counter>".
 #pragma once
 
 #include <string>

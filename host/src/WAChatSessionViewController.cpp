@@ -172,7 +172,7 @@ void logFailure(const std::string& name, const std::string& why) {
 // Records the end of a send; on the main queue. Nothing here may throw: the
 // block runs on the run loop.
 void finishSend(host::ChatStore& store, host::PreparedDocument& prepared,
-                const std::optional<host::StoredDocument>& stored, std::string failure) {
+                const std::optional<host::StoredFile>& stored, std::string failure) {
     host::Message& message = prepared.message;
     if (stored) {
         message.state = host::Message::State::Sent;
@@ -253,7 +253,7 @@ void WAChatSessionViewController::imp_sendDocumentAttachment(WADocumentAttachmen
         sendQueue_ != nullptr ? sendQueue_
                               : dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0);
     dispatch_async(queue, [chats, prepared] {
-        std::optional<host::StoredDocument> stored;
+        std::optional<host::StoredFile> stored;
         std::string failure;
         try {
             stored = host::storeDocument(prepared, ProgressReporter(chats, prepared.message));

@@ -1,24 +1,17 @@
 #include <Host/WADocumentAttachment.h>
 
+#include <Foundation/NSBundle.h>
 #include <Foundation/NSURL.h>
 
 #include <MobileCoreServices/UTType.h>
 
 #include <objc/image.h>
 
-#include <fcntl.h>
 #include <stdio.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <chrono>
-#include <cstdio>
 #include <filesystem>
-#include <random>
 #include <system_error>
-#include <vector>
 
 OBJC_DEFINE_CLASS(WADocumentAttachment, NSObject, "WADocumentAttachment")
 OBJC_REGISTER_CLASS(WADocumentAttachment)
@@ -56,34 +49,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-[[noreturn]] void throwErrno(const std::string& what) {
-    throw std::system_error(errno, std::generic_category(), what);
-}
-
-class FileDescriptor {
-  public:
-    explicit FileDescriptor(int fd) noexcept : fd_(fd) {}
-    ~FileDescriptor() {
-        if (fd_ >= 0) ::close(fd_);
-    }
-    FileDescriptor(const FileDescriptor&) = delete;
-    FileDescriptor& operator=(const FileDescriptor&) = delete;
-    int get() const noexcept { return fd_; }
-
-  private:
-    int fd_;
-};
-
-// "<16 hex digits>-<name>": unique enough that a clash (checked for anyway)
-// is a curiosity, and the original name still shows.
-std::string uniqueName(const std::string& name) {
-    static thread_local std::mt19937_64 random{std::random_device{}()};
-    char prefix[17];
-    std::snprintf(prefix, sizeof prefix, "%016llx", static_cast<unsigned long long>(random()));
-    // Keep within the usual 255-byte limit of a file name.
-    return std::string(prefix) + "-" + name.substr(0, 200);
-}
-
 bool isInside(const fs::path& file, const fs::path& folder) {
     std::error_code error;
     const fs::path f = fs::weakly_canonical(file, error);
@@ -94,109 +59,6 @@ bool isInside(const fs::path& file, const fs::path& folder) {
     return end == d.end() || (std::next(end) == d.end() && end->empty());
 }
 
-void syncFolder(const fs::path& folder) {
-    const FileDescriptor dir(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (dir.get() >= 0) ::fsync(dir.get());
-}
-
-// Copies the rest of `in` to `out`: in the kernel where it can, in large
-// blocks otherwise. Answers the bytes copied.
-std::uint64_t copyContents(int in, int out, std::uint64_t total, const CopyProgress& progress) {
-    std::uint64_t copied = 0;
-    for (;;) {
-        const ssize_t n = ::copy_file_range(in, nullptr, out, nullptr, 1 << 30, 0);
-        if (n > 0) {
-            copied += static_cast<std::uint64_t>(n);
-            if (progress) progress(copied, total);
-            continue;
-        }
-        if (n == 0) return copied;
-        if (errno == EINTR) continue;
-        // Not for these files (another file system, an old kernel): copy by hand.
-        if (copied == 0 && (errno == EXDEV || errno == ENOSYS || errno == EINVAL ||
-                            errno == EOPNOTSUPP || errno == EPERM)) {
-            break;
-        }
-        throwErrno("copy");
-    }
-    std::vector<char> buffer(std::size_t{4} << 20);
-    for (;;) {
-        const ssize_t n = ::read(in, buffer.data(), buffer.size());
-        if (n < 0 && errno == EINTR) continue;
-        if (n < 0) throwErrno("read");
-        if (n == 0) return copied;
-        for (ssize_t done = 0; done < n;) {
-            const ssize_t w =
-                ::write(out, buffer.data() + done, static_cast<std::size_t>(n - done));
-            if (w < 0 && errno == EINTR) continue;
-            if (w < 0) throwErrno("write");
-            done += w;
-        }
-        copied += static_cast<std::uint64_t>(n);
-        if (progress) progress(copied, total);
-    }
-}
-
-// Copies to a new file in the folder; answers its path and size. A failed
-// copy leaves nothing behind. The data is not flushed here: the user's own
-// file stays where it was, so a crash can cost the chat's copy but nothing
-// of the user's, and waiting for a whole large file to reach the disk would
-// double the time a send takes (the kernel writes it back as it does for cp).
-std::pair<fs::path, std::uint64_t> copyInto(const fs::path& source, const fs::path& folder,
-                                            const std::string& name, const CopyProgress& progress) {
-    const FileDescriptor in(::open(source.c_str(), O_RDONLY | O_CLOEXEC));
-    if (in.get() < 0) throwErrno("open " + source.string());
-    struct stat info {};
-    if (::fstat(in.get(), &info) != 0) throwErrno("stat " + source.string());
-    if (!S_ISREG(info.st_mode)) {
-        throw std::system_error(std::make_error_code(std::errc::invalid_argument),
-                                source.string() + " is not a file");
-    }
-    for (;;) {
-        const fs::path target = folder / uniqueName(name);
-        const FileDescriptor out(
-            ::open(target.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
-        if (out.get() < 0 && errno == EEXIST) continue;
-        if (out.get() < 0) throwErrno("create " + target.string());
-        try {
-            const std::uint64_t size = copyContents(
-                in.get(), out.get(), static_cast<std::uint64_t>(info.st_size), progress);
-            syncFolder(folder);
-            return {target, size};
-        } catch (...) {
-            ::unlink(target.c_str());
-            throw;
-        }
-    }
-}
-
-// Moves without replacing anything; answers the new path, or nothing when
-// the file cannot be moved there (another file system).
-std::optional<fs::path> moveInto(const fs::path& source, const fs::path& folder,
-                                 const std::string& name) {
-    for (;;) {
-        const fs::path target = folder / uniqueName(name);
-        if (::renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) ==
-            0) {
-            syncFolder(folder);
-            return target;
-        }
-        if (errno == EEXIST) continue;
-        if (errno == EXDEV) return std::nullopt;
-        if (errno == EINVAL || errno == ENOSYS) {
-            // No RENAME_NOREPLACE here: a hard link fails rather than replaces.
-            if (::link(source.c_str(), target.c_str()) == 0) {
-                ::unlink(source.c_str());
-                syncFolder(folder);
-                return target;
-            }
-            if (errno == EEXIST) continue;
-            if (errno == EXDEV) return std::nullopt;
-        }
-        throwErrno("move " + source.string());
-    }
-}
-
 std::string tagType(NSString* tagClass, const std::string& tag) {
     const objc::Strong<NSString> type = objc::adopt(
         UTTypeCreatePreferredIdentifierForTag(tagClass, NSString::create(tag).get(), nullptr));
@@ -204,6 +66,13 @@ std::string tagType(NSString* tagClass, const std::string& tag) {
 }
 
 }  // namespace
+
+fs::path inboxFolder(const fs::path& home) {
+    objc::AutoreleasePool pool;
+    NSString* identifier = NSBundle::mainBundle()->bundleIdentifier();
+    const std::string prefix = identifier != nullptr ? identifier->utf8() + "-" : std::string();
+    return home / "tmp" / (prefix + "Inbox");
+}
 
 PreparedDocument prepareDocument(WADocumentAttachment& attachment, const fs::path& home,
                                  std::int64_t chatId) {
@@ -213,9 +82,18 @@ PreparedDocument prepareDocument(WADocumentAttachment& attachment, const fs::pat
         throw std::system_error(std::make_error_code(std::errc::invalid_argument),
                                 "the attachment is not a file");
     }
-    prepared.home = home;
     prepared.folder = home / "Library" / "Media" / std::to_string(chatId);
-    prepared.transfersOwnership = attachment.transfersFileOwnership();
+    // Only the picker's own import copies are the host's to take; any other
+    // file, wherever it lies (even in Documents or Library), is the user's.
+    prepared.takeOver =
+        attachment.transfersFileOwnership() && isInside(prepared.source, inboxFolder(home));
+    if (prepared.takeOver) {
+        // The file itself, not a link to it, is what moves.
+        std::error_code error;
+        if (fs::path real = fs::weakly_canonical(prepared.source, error); !error) {
+            prepared.source = std::move(real);
+        }
+    }
     NSString* fileName = attachment.fileName();
     const std::string name =
         fileName != nullptr ? fileName->utf8() : prepared.source.filename().string();
@@ -232,41 +110,22 @@ PreparedDocument prepareDocument(WADocumentAttachment& attachment, const fs::pat
     return prepared;
 }
 
-StoredDocument storeDocument(const PreparedDocument& prepared, const CopyProgress& progress) {
-    const fs::path& source = prepared.source;
-    std::error_code error;
-    if (!fs::is_regular_file(source, error)) {
-        throw std::system_error(
-            error ? error : std::make_error_code(std::errc::no_such_file_or_directory),
-            source.string());
-    }
-    const std::string& name = prepared.message.text;
+StoredFile storeDocument(const PreparedDocument& prepared, const CopyProgress& progress) {
     fs::create_directories(prepared.folder);
-    StoredDocument stored;
-    std::optional<fs::path> moved;
-    if (prepared.transfersOwnership && isInside(source, prepared.home)) {
-        moved = moveInto(source, prepared.folder, name);
-    }
-    if (moved) {
-        stored.path = *moved;
-        stored.size = fs::file_size(stored.path);
-        stored.moved = true;
-    } else {
-        std::tie(stored.path, stored.size) = copyInto(source, prepared.folder, name, progress);
-    }
-    return stored;
+    return storeFile(prepared.source, prepared.folder, prepared.message.text, prepared.takeOver,
+                     progress);
 }
 
-void keepDocument(const PreparedDocument& prepared, const StoredDocument& stored) {
-    // The copy came from a handed-over file on another file system: the
-    // host owns it now, and keeps one copy.
-    if (!stored.moved && prepared.transfersOwnership && isInside(prepared.source, prepared.home)) {
+void keepDocument(const PreparedDocument& prepared, const StoredFile& stored) {
+    // An Inbox copy on another file system was copied: the host owns it and
+    // keeps one copy.
+    if (prepared.takeOver && !stored.moved) {
         std::error_code error;
         fs::remove(prepared.source, error);
     }
 }
 
-void undoDocument(const PreparedDocument& prepared, const StoredDocument& stored) {
+void undoDocument(const PreparedDocument& prepared, const StoredFile& stored) {
     if (stored.moved) {
         ::rename(stored.path.c_str(), prepared.source.c_str());
     } else {
@@ -276,9 +135,9 @@ void undoDocument(const PreparedDocument& prepared, const StoredDocument& stored
 }
 
 Message sendDocument(ChatStore& store, const std::string& chat, WADocumentAttachment& attachment,
-                     const fs::path& home) {
+                     const fs::path& home, const CopyProgress& progress) {
     PreparedDocument prepared = prepareDocument(attachment, home, store.chatId(chat));
-    const StoredDocument stored = storeDocument(prepared);
+    const StoredFile stored = storeDocument(prepared, progress);
     Message& message = prepared.message;
     message.state = Message::State::Sent;
     message.filePath = stored.path.string();

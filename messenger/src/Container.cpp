@@ -1,5 +1,7 @@
 #include "Container.h"
 
+#include <Host/MediaCopy.h>
+
 #include <UIKit/DocumentProvider.h>
 
 #include <cstdlib>
@@ -33,6 +35,8 @@ std::string createContainer(const std::string& home) {
     // Not needed to run: the user defaults make it when they save, and say
     // so when they cannot.
     fs::create_directories(root / "Library/Preferences", error);
+    // Before anything can send: copies a killed run left unfinished.
+    host::removeLeftoverCopies(root / "Library" / "Media");
     return {};
 }
 

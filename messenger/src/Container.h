@@ -9,8 +9,9 @@ namespace messenger {
 std::string defaultHome();
 
 // Makes the folder with Documents, Library/Preferences, Library/Caches and
-// tmp. Answers an error message, empty on success (also when only
-// Library/Preferences could not be made: the app runs without saving).
+// tmp, and clears the unfinished media copies of a killed run. Answers an
+// error message, empty on success (also when only Library/Preferences could
+// not be made: the app runs without saving).
 std::string createContainer(const std::string& home);
 
 // Makes the folders of the current device's document providers (by default

@@ -33,7 +33,9 @@ TEST_F(ChatSessionTest, ShareDocumentOpensTheMenuWithTheHostsTypes) {
 }
 
 TEST_F(ChatSessionTest, APickedSupportedDocumentIsSent) {
-    const std::string path = hosttest::makeFile("Report.PDF", 1234);
+    // The picker's import copy, which is the host's to take.
+    const std::string path =
+        hosttest::makeFile("Report.PDF", 1234, UIDocumentPickerViewController::inboxFolder());
     chat->documentPickerDidPickDocumentAtURL(nullptr, NSURL::fileURL(path).get());
     drain();
     const auto messages = chat->messages();
@@ -42,7 +44,7 @@ TEST_F(ChatSessionTest, APickedSupportedDocumentIsSent) {
     EXPECT_EQ(messages[0].kind, host::Message::Kind::Document);
     EXPECT_EQ(messages[0].text, "Report.PDF");
     EXPECT_EQ(messages[0].fileSize, 1234u);
-    // A picked file is handed over: the container's own file moves to the media folder.
+    // A picked file is handed over: the Inbox copy moves to the media folder.
     EXPECT_EQ(std::filesystem::path(messages[0].filePath).parent_path().parent_path(),
               hosttest::container() / "Library" / "Media");
     EXPECT_EQ(std::filesystem::file_size(messages[0].filePath), 1234u);

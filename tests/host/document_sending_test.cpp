@@ -1,17 +1,25 @@
 // Sending documents into a chat kept in SQLite: where the file goes (moved
 // or copied), what is recorded, that the copy leaves the main thread free,
-// and that a failure leaves nothing behind. Also the store itself: shared
-// by two writers, migrated from its first version, read-only.
+// and that a failure leaves nothing behind; the copy engine's own seams
+// (leftovers, stalls). Also the store itself: shared by two writers,
+// migrated from its first version, read-only.
 #include "host_fixture.h"
 
+#include <Host/MediaCopy.h>
 #include <Host/WAChatSessionViewController.h>
 #include <Host/WADocumentAttachment.h>
 
+#include <Foundation/NSBundle.h>
 #include <Foundation/NSURL.h>
+#include <Foundation/NSUserDefaults.h>
+
+#include <UIKit/UIDocumentPickerViewController.h>
 
 #include <objc/exception.h>
 
+#include <fcntl.h>
 #include <sqlite3.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <climits>
@@ -87,7 +95,7 @@ class DocumentSendingTest : public hosttest::HostTest {
                     ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".sqlite");
         sqlite = std::make_shared<host::SqliteChatStore>(database.string());
         chat = WAChatSessionViewController::create("Bob", sqlite);
-        inbox = home / "tmp" / "Inbox-sending";
+        inbox = UIDocumentPickerViewController::inboxFolder();
         char pattern[] = "/tmp/host-outside-XXXXXX";
         const char* made = ::mkdtemp(pattern);
         ASSERT_NE(made, nullptr);
@@ -108,6 +116,11 @@ class DocumentSendingTest : public hosttest::HostTest {
             WADocumentAttachment::create(NSURL::fileURL(path.string()).get(), transfer);
         chat->sendDocumentAttachment(attachment.get());
         drain();
+    }
+    host::Message sendDirectly(const fs::path& path, bool transfer) {
+        auto attachment =
+            WADocumentAttachment::create(NSURL::fileURL(path.string()).get(), transfer);
+        return host::sendDocument(*sqlite, "Bob", *attachment, hosttest::container());
     }
     std::vector<host::Message> sent() const { return sqlite->messages("Bob"); }
     // Other tests' stores share the folder: compare counts.
@@ -163,6 +176,57 @@ TEST_F(DocumentSendingTest, AContainerFileNotHandedOverIsCopied) {
     ASSERT_EQ(sent().size(), 1u);
     EXPECT_EQ(contents(inbox / "draft.pdf"), "draft");
     EXPECT_EQ(contents(sent()[0].filePath), "draft");
+}
+
+// Only the picker's Inbox copies are the host's: a handed-over file anywhere
+// else in the container (a document, the settings, the live database) stays.
+TEST_F(DocumentSendingTest, AHandedOverContainerFileOutsideTheInboxIsCopied) {
+    const fs::path& home = hosttest::container();
+    write(home / "Documents" / "notes.txt", "my notes");
+    NSUserDefaults* defaults = NSUserDefaults::standardUserDefaults();
+    defaults->setBoolForKey(true, NSString::create("documentSendingTest").get());
+    ASSERT_TRUE(defaults->synchronize());
+    const fs::path settings = home / "Library" / "Preferences" /
+                              (NSBundle::mainBundle()->bundleIdentifier()->utf8() + ".plist");
+    ASSERT_TRUE(fs::exists(settings));
+    struct stat live {};
+    ASSERT_EQ(::stat(database.c_str(), &live), 0);
+
+    for (const fs::path& original : {home / "Documents" / "notes.txt", settings, database}) {
+        const std::string before = contents(original);
+        const host::Message message = sendDirectly(original, true);
+        EXPECT_EQ(contents(original), before) << original;
+        EXPECT_EQ(contents(message.filePath), before) << original;
+    }
+    struct stat after {};
+    ASSERT_EQ(::stat(database.c_str(), &after), 0);
+    EXPECT_EQ(after.st_ino, live.st_ino);
+    sqlite = std::make_shared<host::SqliteChatStore>(database.string());
+    EXPECT_EQ(sent().size(), 3u);
+    EXPECT_TRUE(defaults->boolForKey(NSString::create("documentSendingTest").get()));
+    defaults->removeObjectForKey(NSString::create("documentSendingTest").get());
+    fs::remove(home / "Documents" / "notes.txt");
+}
+
+// Only the data is copied: the copy has the original's holes, also at the end.
+TEST_F(DocumentSendingTest, ASparseFileStaysSparse) {
+    const fs::path original = outside / "disk.img";
+    const std::string data = pattern(64 << 10);
+    {
+        std::ofstream out(original, std::ios::binary);
+        out.seekp(1 << 20);
+        out << data;
+    }
+    fs::resize_file(original, 4 << 20);
+    const host::Message message = sendDirectly(original, false);
+    EXPECT_EQ(message.fileSize, std::uint64_t{4} << 20);
+    EXPECT_EQ(contents(message.filePath), contents(original));
+    struct stat source {
+    }, copy{};
+    ASSERT_EQ(::stat(original.c_str(), &source), 0);
+    ASSERT_EQ(::stat(message.filePath.c_str(), &copy), 0);
+    EXPECT_LT(source.st_blocks, 4 << 11);
+    EXPECT_LE(copy.st_blocks, source.st_blocks);
 }
 
 TEST_F(DocumentSendingTest, RowsSurviveReopeningTheStore) {
@@ -358,18 +422,60 @@ TEST_F(DocumentSendingTest, TwoStoresOnOneFileWaitForEachOtherAndLoseNothing) {
 }
 
 TEST_F(DocumentSendingTest, AFailedCopyLeavesNoPartialFile) {
-    // A folder is not a file that can be copied.
+    // Only regular files are copied: the others never end or are no document.
     fs::create_directories(outside / "folder.pdf");
+    ASSERT_EQ(::mkfifo((outside / "pipe.pdf").c_str(), 0644), 0);
+    const struct {
+        fs::path path;
+        std::errc code;
+        const char* kind;
+    } refused[] = {{outside / "folder.pdf", std::errc::is_a_directory, "a folder"},
+                   {outside / "pipe.pdf", std::errc::invalid_argument, "a FIFO"},
+                   {"/dev/zero", std::errc::no_such_device, "a device"}};
     const fs::path unreadable = outside / "secret.pdf";
     write(unreadable, "secret");
     fs::permissions(unreadable, fs::perms::none);
     const std::size_t before = mediaFiles();
+    for (const auto& file : refused) {
+        try {
+            sendDirectly(file.path, true);
+            ADD_FAILURE() << file.path << " was sent";
+        } catch (const std::system_error& error) {
+            EXPECT_EQ(error.code(), std::make_error_code(file.code)) << error.what();
+            EXPECT_NE(std::string(error.what()).find(file.kind), std::string::npos) << error.what();
+        }
+    }
     ::testing::internal::CaptureStderr();
-    send(outside / "folder.pdf", false);
     if (::access(unreadable.c_str(), R_OK) != 0) send(unreadable, false);  // not as root
     ::testing::internal::GetCapturedStderr();
     for (const host::Message& m : sent()) EXPECT_EQ(m.state, host::Message::State::Failed);
     EXPECT_EQ(mediaFiles(), before);
+    EXPECT_TRUE(fs::exists(outside / "pipe.pdf"));
+}
+
+// A source that stops giving data fails after the stall time-out instead of
+// holding the sender for good; one that ends is copied whole.
+TEST(MediaCopyTest, AStalledSourceTimesOut) {
+    int stalled[2], ending[2];
+    ASSERT_EQ(::pipe2(stalled, O_CLOEXEC), 0);
+    ASSERT_EQ(::pipe2(ending, O_CLOEXEC), 0);
+    const int sink = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+    ASSERT_GE(sink, 0);
+    ASSERT_EQ(::write(stalled[1], "abc", 3), 3);  // some data, then none
+    try {
+        host::copyToEnd(stalled[0], sink, std::chrono::milliseconds(50));
+        ADD_FAILURE() << "a stalled pipe was copied";
+    } catch (const std::system_error& error) {
+        EXPECT_EQ(error.code(), std::make_error_code(std::errc::timed_out)) << error.what();
+    }
+    ASSERT_EQ(::write(ending[1], "abcdef", 6), 6);
+    ::close(ending[1]);
+    std::uint64_t reported = 0;
+    EXPECT_EQ(host::copyToEnd(ending[0], sink, std::chrono::milliseconds(50),
+                              [&](std::uint64_t copied, std::uint64_t) { reported = copied; }),
+              6u);
+    EXPECT_EQ(reported, 6u);
+    for (const int fd : {stalled[0], stalled[1], ending[0], sink}) ::close(fd);
 }
 
 TEST_F(DocumentSendingTest, SameNamesGetDistinctMediaFiles) {
@@ -384,6 +490,18 @@ TEST_F(DocumentSendingTest, SameNamesGetDistinctMediaFiles) {
     EXPECT_EQ(messages[1].text, "same.pdf");
     EXPECT_EQ(contents(messages[0].filePath), "first");
     EXPECT_EQ(contents(messages[1].filePath), "second");
+}
+
+// A killed run's unfinished copy is cleared at the next start; finished
+// files stay.
+TEST_F(DocumentSendingTest, LeftoverCopiesAreRemovedAtStartUp) {
+    write(outside / "kept.pdf", "kept");
+    const host::Message message = sendDirectly(outside / "kept.pdf", false);
+    const fs::path leftover = mediaFolder() / (std::string(host::kPartialCopyPrefix) + "0123abcd");
+    write(leftover, std::string(1000, 'p'));
+    host::removeLeftoverCopies(hosttest::container() / "Library" / "Media");
+    EXPECT_FALSE(fs::exists(leftover));
+    EXPECT_EQ(contents(message.filePath), "kept");
 }
 
 // A store whose writes fail, as a full disk would make them.

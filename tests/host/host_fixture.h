@@ -35,9 +35,11 @@ inline const std::filesystem::path& container() {
     return path;
 }
 
-// A file in the container's Documents folder with `size` bytes.
-inline std::string makeFile(const std::string& name, std::size_t size) {
-    const auto path = container() / "Documents" / name;
+// A file with `size` bytes in the container's Documents folder, or another.
+inline std::string makeFile(const std::string& name, std::size_t size,
+                            const std::filesystem::path& folder = container() / "Documents") {
+    std::filesystem::create_directories(folder);
+    const auto path = folder / name;
     std::ofstream(path, std::ios::binary) << std::string(size, 'x');
     return path.string();
 }

@@ -1,13 +1,13 @@
 // A file to be sent into a chat as a document. Its name and size are read
-// from the file when the attachment is made. Transferring ownership means
-// the host may take the file over (move it into its own storage) instead of
-// copying it.
+// from the file when the attachment is made. Transferring ownership lets
+// the host take over (move into its own storage) a file that is its own.
 #pragma once
 
 #include <objc/object.h>
 #include <objc/string.h>
 
 #include <Host/ChatStore.h>
+#include <Host/MediaCopy.h>
 
 #include <cstdint>
 #include <filesystem>
@@ -62,6 +62,10 @@ class WADocumentAttachment : public NSObject {
 
 namespace host {
 
+// Where the document picker imports into the container at `home`
+// ("<home>/tmp/<bundle identifier>-Inbox"): the only files the host owns.
+std::filesystem::path inboxFolder(const std::filesystem::path& home);
+
 // A document send in two steps, so that the copy can run off the main
 // thread: prepareDocument reads what the send needs from the attachment (on
 // the thread that owns it) and gives the message to record as sending;
@@ -70,39 +74,30 @@ namespace host {
 // handed-over original, and when it cannot be recorded, undoDocument puts
 // everything back.
 struct PreparedDocument {
-    std::filesystem::path source;
-    std::filesystem::path home;
+    std::filesystem::path source;  // the file itself when the host takes it over
     std::filesystem::path folder;  // "<home>/Library/Media/<chat id>"
-    bool transfersOwnership = false;
-    Message message;  // name, size, types; sending
+    bool takeOver = false;         // one of the picker's Inbox copies: moved, not copied
+    Message message;               // name, size, types; sending
 };
-struct StoredDocument {
-    std::filesystem::path path;
-    std::uint64_t size = 0;
-    bool moved = false;
-};
-// Called on the copying thread with the bytes copied so far and the total.
-using CopyProgress = std::function<void(std::uint64_t copied, std::uint64_t total)>;
 
 // Throws when the attachment names no file.
 PreparedDocument prepareDocument(WADocumentAttachment& attachment,
                                  const std::filesystem::path& home, std::int64_t chatId);
 // Moves or copies the file into the folder (see sendDocument); throws on
 // failure, leaving nothing behind.
-StoredDocument storeDocument(const PreparedDocument& prepared, const CopyProgress& progress = {});
-void keepDocument(const PreparedDocument& prepared, const StoredDocument& stored);
-void undoDocument(const PreparedDocument& prepared, const StoredDocument& stored);
+StoredFile storeDocument(const PreparedDocument& prepared, const CopyProgress& progress = {});
+void keepDocument(const PreparedDocument& prepared, const StoredFile& stored);
+void undoDocument(const PreparedDocument& prepared, const StoredFile& stored);
 
 // Sends the attachment's file into the chat: the file goes into
-// "<home>/Library/Media/<chat id>/" under a name of its own, then a document
-// message (name, size, uniform type, MIME type) is recorded. The file is
-// moved when the attachment hands it over and it lies inside the container
-// (the host's own Inbox copy); otherwise it is copied, so a file the user
-// still owns is never taken. A copy is flushed to disk before it is recorded.
-// On failure (no such file, a failed copy, a failed write to the store) it
-// throws, nothing is recorded, no partial copy stays behind and a moved file
-// goes back where it was.
+// "<home>/Library/Media/<chat id>/" under a name of its own (see storeFile),
+// then a document message (name, size, uniform type, MIME type) is recorded.
+// The file is moved only when the attachment hands it over and it is one of
+// the picker's Inbox copies; any other file is copied and left untouched.
+// Blocks for the whole copy. On failure (no such file, not a regular file,
+// a failed or stalled copy, a failed write to the store) it throws, nothing
+// is recorded, no partial copy stays behind and a moved file goes back.
 Message sendDocument(ChatStore& store, const std::string& chat, WADocumentAttachment& attachment,
-                     const std::filesystem::path& home);
+                     const std::filesystem::path& home, const CopyProgress& progress = {});
 
 }  // namespace host
