@@ -69,7 +69,9 @@ void listDefaults(CommandContext& context) {
     }
     std::sort(entries.begin(), entries.end());
     if (entries.empty()) context.out << "(no defaults)\n";
-    for (const auto& [key, value] : entries) context.out << key << " = " << value << "\n";
+    for (const auto& [key, value] : entries) {
+        context.out << printable(key) << " = " << printable(value) << "\n";
+    }
     context.showScreen = false;
 }
 
@@ -86,7 +88,7 @@ void setDefault(CommandContext& context, const std::string& argument) {
     NSUserDefaults* defaults = NSUserDefaults::standardUserDefaults();
     defaults->setObjectForKey(value.get(), NSString::create(key).get());
     defaults->synchronize();
-    context.out << key << " = " << describeDefaultsValue(value.get()) << "\n";
+    context.out << printable(key) << " = " << printable(describeDefaultsValue(value.get())) << "\n";
 }
 
 }  // namespace
@@ -104,13 +106,14 @@ CommandTable standardCommands() {
              if (name.empty() || c.app.openChat(name) == nullptr) {
                  std::string why = "No chat named '" + name + "'. Chats:";
                  for (const std::string& n : c.app.store().chatNames()) why += " " + n;
-                 c.fail(std::move(why));
+                 c.fail(why);
              }
          }});
     table.add({"settings", "", "open the Settings screen",
                [](CommandContext& c, const std::string&) { c.app.openSettings(); }});
-    table.add({"back", "", "close what is in front, or go back one screen",
-               [](CommandContext& c, const std::string&) { c.out << c.app.back() << "\n"; }});
+    table.add(
+        {"back", "", "close what is in front, or go back one screen",
+         [](CommandContext& c, const std::string&) { c.out << printable(c.app.back()) << "\n"; }});
     table.add({"defaults", "", "list the user defaults",
                [](CommandContext& c, const std::string&) { listDefaults(c); }});
     table.add({"set", "KEY VALUE",
