@@ -130,7 +130,7 @@ ParseResult parseOptions(int argc, const char* const* argv, const char* insertLi
             if (!value(options.systemVersion) || !isShippedVersion(options.systemVersion)) {
                 return {{},
                         "--ios needs an iOS version that devices had: " + releaseRanges() +
-                            " (MAJOR.MINOR, or with the patch number as in 9.3.5); not '" +
+                            " (MAJOR.MINOR, or with a patch number that shipped, as 9.3.5); not '" +
                             options.systemVersion + "'"};
             }
         } else if (arg == "--language") {
@@ -181,7 +181,7 @@ std::string usage(const std::string& program) {
     out << "\n"
         << "  --ios VERSION           the system version (default 9.3): an iOS release from\n"
         << "                          " << releaseRanges() << ",\n"
-        << "                          optionally with its patch number (9.3.5)\n"
+        << "                          optionally with a patch number that shipped (9.3.5)\n"
         << "  --language CODE         the user's language (default: the locale's)\n"
         << "  --describe-class NAME   print the class's own methods and where they live\n"
         << "  --script FILE           run the commands in FILE (blank lines and # comments\n"
