@@ -144,16 +144,9 @@ bool C::navigateTo(const std::string& path) {
     }
     // The same real folder already has a screen: go back to it rather than
     // stacking another, so a link cycle cannot grow the stack.
-    std::string ignored;
-    if (const auto real = realPath(path, &ignored)) {
-        for (const auto& controller : nav->childList()) {
-            auto* browser = objc::isKindOf(controller.get(), C::objcClass())
-                                ? static_cast<C*>(controller.get())
-                                : nullptr;
-            if (browser == nullptr || realPath(browser->path_, &ignored) != real) continue;
-            if (browser != this) nav->popToViewController(browser, true);
-            return browser->reloadData();
-        }
+    if (C* browser = stackedBrowserAt(path)) {
+        if (browser != this) nav->popToViewController(browser, true);
+        return browser->reloadData();
     }
     auto child = makeChild(path);
     if (!child->showPath(path)) {
@@ -164,6 +157,20 @@ bool C::navigateTo(const std::string& path) {
     nav->pushViewController(child.get(), true);
     child->notify(child->didLoadPath_.get(), "fileBrowser:didLoadPath:", child->path_);
     return true;
+}
+
+C* C::stackedBrowserAt(const std::string& path) {
+    UINavigationController* nav = navigationController();
+    std::string ignored;
+    const auto real = realPath(path, &ignored);
+    if (nav == nullptr || !real) return nullptr;
+    for (const auto& controller : nav->childList()) {
+        auto* browser = objc::isKindOf(controller.get(), C::objcClass())
+                            ? static_cast<C*>(controller.get())
+                            : nullptr;
+        if (browser != nullptr && realPath(browser->path_, &ignored) == real) return browser;
+    }
+    return nullptr;
 }
 
 bool C::imp_openEntryAtIndex(NSUInteger index) {
@@ -200,7 +207,10 @@ bool C::imp_openPath(NSString* path) {
         error_ = "Cannot open folder: No path";
         return false;
     }
-    return navigateTo(normalizePath(path->UTF8String()));
+    std::string text = path->UTF8String();
+    // Relative to the folder shown, as the user reads it on screen.
+    if (!text.empty() && text.front() != '/') text = path_ + "/" + text;
+    return navigateTo(normalizePath(text));
 }
 
 bool C::imp_chooseEntryAtIndex(NSUInteger index) {
@@ -226,15 +236,16 @@ bool C::imp_chooseEntryAtIndex(NSUInteger index) {
 }
 
 bool C::imp_goUp() {
-    UINavigationController* nav = navigationController();
-    if (nav != nullptr && nav->childList().size() > 1 && nav->childList().back().get() == this) {
-        const objc::Strong<C> keep = objc::retained(this);
-        nav->popViewControllerAnimated(true);
-        return true;
-    }
     if (path_ == "/") return false;
     const objc::Strong<C> keep = objc::retained(this);
-    if (!showPath(parentPath(path_))) return false;
+    const std::string parent = parentPath(path_);
+    // The parent is the folder of the screen below when this one was opened
+    // from it; a folder reached by path or through a link may have none.
+    if (C* below = stackedBrowserAt(parent); below != nullptr && below != this) {
+        navigationController()->popToViewController(below, true);
+        return true;
+    }
+    if (!showPath(parent)) return false;
     notify(didLoadPath_.get(), "fileBrowser:didLoadPath:", path_);
     return true;
 }

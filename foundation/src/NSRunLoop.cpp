@@ -99,6 +99,10 @@ void foundation::runMainLoopUntilIdle(bool waitForBackgroundWork) {
             Clock::time_point::max());
 }
 
+bool foundation::runMainLoopUntilIdle(std::chrono::steady_clock::time_point deadline) {
+    return runMain(RunMode::UntilIdleAndBackground, deadline) == RunEnd::Idle;
+}
+
 void foundation::stopMainLoop() {
     Dispatcher::shared().stopMain();
 }

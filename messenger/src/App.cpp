@@ -35,7 +35,7 @@ App::App() : store_(host::defaultChatStore()) {
     window_ = UIWindow::create();
     window_->setRootViewController(navigation_.get());
     window_->makeKeyAndVisible();
-    foundation::runMainLoopUntilIdle();
+    foundation::runMainLoopUntilIdle(false);
 }
 
 App::~App() {
@@ -47,7 +47,7 @@ App::~App() {
     }
     showChats();
     window_->setRootViewController(nullptr);
-    foundation::runMainLoopUntilIdle();
+    foundation::runMainLoopUntilIdle(false);
 }
 
 UIViewController* App::topController() {
@@ -108,7 +108,7 @@ void App::dismissPresented() {
 void App::showChats() {
     dismissPresented();
     navigation_->popToRootViewControllerAnimated(false);
-    foundation::runMainLoopUntilIdle();
+    foundation::runMainLoopUntilIdle(false);
 }
 
 WAChatSessionViewController* App::openChat(const std::string& name) {
@@ -119,7 +119,7 @@ WAChatSessionViewController* App::openChat(const std::string& name) {
     if (match.empty()) return nullptr;
     showChats();
     WAChatSessionViewController* chat = chats_->openChat(match);
-    foundation::runMainLoopUntilIdle();
+    foundation::runMainLoopUntilIdle(false);
     return chat;
 }
 
@@ -127,7 +127,7 @@ WASettingsViewController* App::openSettings() {
     showChats();
     auto settings = WASettingsViewController::create();
     navigation_->pushViewController(settings.get(), true);
-    foundation::runMainLoopUntilIdle();
+    foundation::runMainLoopUntilIdle(false);
     return settings.get();
 }
 
@@ -178,7 +178,7 @@ std::string App::back() {
             break;
         }
     }
-    foundation::runMainLoopUntilIdle();
+    foundation::runMainLoopUntilIdle(false);
     return what;
 }
 

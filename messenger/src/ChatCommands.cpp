@@ -109,8 +109,11 @@ void addChatCommands(CommandTable& table) {
                "choose in what is in front: a menu entry, a document provider, a file (a "
                "folder opens), an alert button",
                &choose});
-    table.add({"up", "", "file browser or document picker: the enclosing folder", &up});
-    table.add({"open", "PATH", "file browser: go to the folder at PATH", &openFolder});
+    table.add(
+        {"up", "", "file browser or document picker: the folder enclosing the one shown", &up});
+    table.add({"open", "PATH",
+               "file browser: go to the folder at PATH (a relative one from the folder shown)",
+               &openFolder});
     table.add({"cancel", "", "cancel what is in front (menu, picker, browser, alert)", &cancel});
 }
 

@@ -1,5 +1,7 @@
 #include "Choices.h"
 
+#include "TerminalText.h"
+
 #include <Host/WAActionSheet.h>
 
 #include <TolbrennDevTools/ParcelvaneFileBrowserViewController.h>
@@ -188,6 +190,10 @@ const Choice* findChoice(const std::vector<Choice>& choices, const std::string& 
     }
     for (const Choice& choice : choices) {
         if (choice.label == title) return &choice;
+    }
+    // A name with control characters, typed as the screen shows it.
+    for (const Choice& choice : choices) {
+        if (printable(choice.title) == title) return &choice;
     }
     return nullptr;
 }

@@ -1,5 +1,7 @@
 #include "CommandLoop.h"
 
+#include "TerminalText.h"
+
 #include <Foundation/NSRunLoop.h>
 
 #include <objc/exception.h>
@@ -34,7 +36,7 @@ Outcome execute(App& app, const CommandTable& commands, const ScreenRenderers& r
         outcome.skipped = true;
         return outcome;
     }
-    if (echo) out << "> " << line << "\n";
+    if (echo) out << "> " << printable(line) << "\n";
     const auto space = line.find(' ');
     const std::string name = line.substr(0, space);
     const std::string argument = space == std::string::npos ? "" : trim(line.substr(space));
@@ -42,15 +44,17 @@ Outcome execute(App& app, const CommandTable& commands, const ScreenRenderers& r
     const Command* command = commands.find(name);
     if (command == nullptr) {
         const std::string why = "Unknown command '" + name + "' (type 'help' for the list).";
-        out << why << "\n" << std::flush;
-        outcome.failure = why;
+        outcome.failure = printable(why);
+        out << outcome.failure << "\n" << std::flush;
         return outcome;
     }
     CommandContext context{app, commands, renderers, out, false, true, {}};
     try {
         objc::AutoreleasePool pool;
         command->run(context, argument);
-        foundation::runMainLoopUntilIdle();
+        // What is ready on the main queue runs now; background work (a
+        // download) is not waited for: its result shows in a later screen.
+        foundation::runMainLoopUntilIdle(false);
     } catch (const objc::Exception& e) {
         // On the device this would end the app; here the user may go on.
         context.fail("*** " + e.name() + ": " + e.reason());
@@ -70,7 +74,9 @@ int runCommandLoop(App& app, const CommandTable& commands, const ScreenRenderers
     while (true) {
         if (prompt) out << "> " << std::flush;
         if (!std::getline(in, line)) break;
-        const Outcome outcome = execute(app, commands, renderers, line, out, false);
+        // Typed at a terminal, the command is already on the screen; read
+        // from a pipe, it is echoed as a script's is.
+        const Outcome outcome = execute(app, commands, renderers, line, out, !prompt);
         if (outcome.quit) break;
         if (outcome.showScreen) out << renderFront(app, renderers);
         out << std::flush;
@@ -101,7 +107,7 @@ int runScript(App& app, const CommandTable& commands, const ScreenRenderers& ren
         if (outcome.skipped) continue;
         if (!outcome.failure.empty()) {
             out << std::flush;
-            err << name << ":" << i + 1 << ": " << outcome.failure << "\n"
+            err << printable(name) << ":" << i + 1 << ": " << outcome.failure << "\n"
                 << renderFront(app, renderers) << std::flush;
             return 1;
         }

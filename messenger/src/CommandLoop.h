@@ -13,9 +13,11 @@
 namespace messenger {
 
 // Runs until `quit` or the end of input; answers the exit status (0). With
-// `prompt`, asks for each command with "> ". The main run loop is drained
-// after each command, so that work the command queued has run before the
-// screen is shown.
+// `prompt` (a terminal), asks for each command with "> "; without, echoes
+// each command ("> ...") before its output, as a script does. After each
+// command the main queue is drained, so that work the command queued there
+// has run before the screen is shown; work on other queues is not waited
+// for (a later screen, or `expect`, shows what it hands back).
 int runCommandLoop(App& app, const CommandTable& commands, const ScreenRenderers& renderers,
                    std::istream& in, std::ostream& out, bool prompt);
 

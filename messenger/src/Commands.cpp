@@ -75,7 +75,9 @@ void listDefaults(CommandContext& context) {
     }
     std::sort(entries.begin(), entries.end());
     if (entries.empty()) context.out << "(no defaults)\n";
-    for (const auto& [key, value] : entries) context.out << key << " = " << value << "\n";
+    for (const auto& [key, value] : entries) {
+        context.out << printable(key) << " = " << printable(value) << "\n";
+    }
     context.showScreen = false;
 }
 
@@ -127,9 +129,10 @@ void setDefault(CommandContext& context, const std::string& argument) {
     const objc::Strong<objc_object> value = parseDefaultsValue(text);
     NSUserDefaults* defaults = NSUserDefaults::standardUserDefaults();
     defaults->setObjectForKey(value.get(), NSString::create(key).get());
-    context.out << key << " = " << describeDefaultsValue(value.get());
+    context.out << printable(key) << " = " << printable(describeDefaultsValue(value.get()));
     if (const auto problem = waitForSave(defaults)) {
-        context.out << " (not saved: " << *problem << "; it is saved as soon as that works)";
+        context.out << " (not saved: " << printable(*problem)
+                    << "; it is saved as soon as that works)";
     }
     context.out << "\n";
 }
@@ -149,13 +152,14 @@ CommandTable standardCommands() {
              if (name.empty() || c.app.openChat(name) == nullptr) {
                  std::string why = "No chat named '" + name + "'. Chats:";
                  for (const std::string& n : c.app.store().chatNames()) why += " " + n;
-                 c.fail(std::move(why));
+                 c.fail(why);
              }
          }});
     table.add({"settings", "", "open the Settings screen",
                [](CommandContext& c, const std::string&) { c.app.openSettings(); }});
-    table.add({"back", "", "close what is in front, or go back one screen",
-               [](CommandContext& c, const std::string&) { c.out << c.app.back() << "\n"; }});
+    table.add(
+        {"back", "", "close what is in front, or go back one screen",
+         [](CommandContext& c, const std::string&) { c.out << printable(c.app.back()) << "\n"; }});
     table.add({"defaults", "", "list the user defaults",
                [](CommandContext& c, const std::string&) { listDefaults(c); }});
     table.add({"set", "KEY VALUE",

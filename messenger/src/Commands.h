@@ -6,6 +6,7 @@
 
 #include "App.h"
 #include "ScreenRenderer.h"
+#include "TerminalText.h"
 
 #include <functional>
 #include <ostream>
@@ -27,10 +28,11 @@ struct CommandContext {
     // at the terminal goes on; a script stops there.
     std::string failure;
 
-    // Says why on the output and marks the command failed (no screen follows).
-    void fail(std::string why) {
-        out << why << "\n";
-        failure = std::move(why);
+    // Says why on the output and marks the command failed (no screen
+    // follows). The text may quote what the user typed: it is escaped.
+    void fail(const std::string& why) {
+        failure = printable(why);
+        out << failure << "\n";
         showScreen = false;
     }
 };

@@ -24,10 +24,16 @@ std::string defaultHome() {
     return (base / "parcelvane-messenger").string();
 }
 
-std::string createContainer(const std::string& home) {
+std::string containerFolder(const std::string& home) {
     std::error_code error;
     const fs::path root = fs::absolute(home, error);
-    if (error) return home + ": " + error.message();
+    return ((error ? fs::path(home) : root) / "Container").lexically_normal().string();
+}
+
+std::string createContainer(const std::string& container) {
+    std::error_code error;
+    const fs::path root = fs::absolute(container, error);
+    if (error) return container + ": " + error.message();
     for (const fs::path sub : {"Documents", "Library/Caches", "tmp"}) {
         fs::create_directories(root / sub, error);
         if (error) return (root / sub).string() + ": " + error.message();

@@ -1,5 +1,7 @@
 #include "DescribeClass.h"
 
+#include "TerminalText.h"
+
 #include <objc/runtime.h>
 
 #include <dlfcn.h>
@@ -26,7 +28,7 @@ std::string imageOf(IMP imp) {
 int describeClass(const std::string& name, std::ostream& out, std::ostream& err) {
     const Class cls = objc_getClass(name.c_str());
     if (cls == nullptr) {
-        err << "messenger: no class named " << name << "\n";
+        err << "messenger: no class named " << printable(name) << "\n";
         return 1;
     }
     out << class_getName(cls);

@@ -1,5 +1,6 @@
 #include "Options.h"
 
+#include <iterator>
 #include <sstream>
 #include <string_view>
 
@@ -19,6 +20,73 @@ std::vector<std::string> splitColons(std::string_view text) {
     return parts;
 }
 
+// Keeps empty parts: "9..3" has three.
+std::vector<std::string_view> splitDots(std::string_view text) {
+    std::vector<std::string_view> parts;
+    for (;;) {
+        const auto dot = text.find('.');
+        parts.push_back(text.substr(0, dot));
+        if (dot == std::string_view::npos) return parts;
+        text.remove_prefix(dot + 1);
+    }
+}
+
+// The iOS releases from 4 to 9, the range the library tells apart: for each
+// minor version, the highest patch number that shipped.
+struct Release {
+    int major, minor, lastPatch;
+};
+constexpr Release kReleases[] = {{4, 0, 2}, {4, 1, 0}, {4, 2, 10}, {4, 3, 5}, {5, 0, 1},
+                                 {5, 1, 1}, {6, 0, 2}, {6, 1, 6},  {7, 0, 6}, {7, 1, 2},
+                                 {8, 0, 2}, {8, 1, 3}, {8, 2, 0},  {8, 3, 0}, {8, 4, 1},
+                                 {9, 0, 2}, {9, 1, 0}, {9, 2, 1},  {9, 3, 6}};
+
+// "4.0-4.3, 5.0-5.1, ..., 9.0-9.3"
+std::string releaseRanges() {
+    std::string text;
+    for (std::size_t i = 0; i < std::size(kReleases); ++i) {
+        const Release& r = kReleases[i];
+        const bool first = i == 0 || kReleases[i - 1].major != r.major;
+        const bool last = i + 1 == std::size(kReleases) || kReleases[i + 1].major != r.major;
+        const std::string version = std::to_string(r.major) + "." + std::to_string(r.minor);
+        if (first) text += (text.empty() ? "" : ", ") + version;
+        if (last && !first) text += "-" + version;
+    }
+    return text;
+}
+
+// Digits only, no leading zero, at most two of them.
+std::optional<int> smallNumber(std::string_view text) {
+    if (text.empty() || text.size() > 2 || (text.size() == 2 && text[0] == '0')) return {};
+    int value = 0;
+    for (char c : text) {
+        if (c < '0' || c > '9') return {};
+        value = value * 10 + (c - '0');
+    }
+    return value;
+}
+
+// MAJOR.MINOR or MAJOR.MINOR.PATCH of a release some device had.
+bool isShippedVersion(std::string_view version) {
+    std::vector<std::optional<int>> parts;
+    for (const std::string_view part : splitDots(version)) parts.push_back(smallNumber(part));
+    if (parts.size() < 2 || parts.size() > 3) return false;
+    for (const auto& part : parts) {
+        if (!part) return false;
+    }
+    const int patch = parts.size() == 3 ? *parts[2] : 0;
+    for (const Release& r : kReleases) {
+        if (r.major == *parts[0] && r.minor == *parts[1]) return patch <= r.lastPatch;
+    }
+    return false;
+}
+
+// Bare names are files in the current folder, as any other path: dlopen
+// alone would search the system's library folders for them.
+std::string libraryPath(const std::string& name) {
+    return name.find('/') == std::string::npos ? "./" + name : name;
+}
+
 bool isLanguageCode(const std::string& code) {
     if (code.empty() || code.size() > 16) return false;
     for (char c : code) {
@@ -32,7 +100,11 @@ bool isLanguageCode(const std::string& code) {
 
 ParseResult parseOptions(int argc, const char* const* argv, const char* insertLibraries) {
     Options options;
-    if (insertLibraries != nullptr) options.libraries = splitColons(insertLibraries);
+    if (insertLibraries != nullptr) {
+        for (const std::string& name : splitColons(insertLibraries)) {
+            options.libraries.push_back(libraryPath(name));
+        }
+    }
     std::vector<std::string> injected;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
@@ -48,16 +120,18 @@ ParseResult parseOptions(int argc, const char* const* argv, const char* insertLi
             if (!value(options.home) || options.home.empty()) return {{}, "--home needs a folder"};
         } else if (arg == "--inject") {
             if (!value(text) || text.empty()) return {{}, "--inject needs a library path"};
-            injected.push_back(text);
+            injected.push_back(libraryPath(text));
         } else if (arg == "--device") {
             if (!value(options.device)) return {{}, "--device needs iphone or ipad"};
             if (!uikit::DeviceProfile::named(options.device)) {
                 return {{}, "unknown device '" + options.device + "'"};
             }
         } else if (arg == "--ios") {
-            if (!value(options.systemVersion)) return {{}, "--ios needs a version such as 9.3"};
-            if (!uikit::isValidSystemVersion(options.systemVersion)) {
-                return {{}, "not a system version: '" + options.systemVersion + "'"};
+            if (!value(options.systemVersion) || !isShippedVersion(options.systemVersion)) {
+                return {{},
+                        "--ios needs an iOS version that devices had: " + releaseRanges() +
+                            " (MAJOR.MINOR, or with a patch number that shipped, as 9.3.5); not '" +
+                            options.systemVersion + "'"};
             }
         } else if (arg == "--language") {
             if (!value(options.language) || !isLanguageCode(options.language)) {
@@ -94,15 +168,20 @@ std::string usage(const std::string& program) {
         << "from standard input, one per line, or from a script file (--script).\n"
         << "\n"
         << "options:\n"
-        << "  --home DIR              the app's container (default\n"
+        << "  --home DIR              the device's data, all of it inside DIR: the app's\n"
+        << "                          container DIR/Container and the document providers'\n"
+        << "                          folders, \"DIR/DocumentProviders/iCloud Drive\" (default\n"
         << "                          ${XDG_STATE_HOME:-$HOME/.local/state}/parcelvane-messenger)\n"
-        << "  --inject PATH           load a library at start-up (repeatable); the\n"
+        << "  --inject PATH           load a library file at start-up (repeatable; a bare\n"
+        << "                          name is a file in the current folder); the\n"
         << "                          MESSENGER_INSERT_LIBRARIES variable (colon-separated)\n"
         << "                          names libraries loaded before these\n"
         << "  --device NAME           iphone or ipad, or a model:";
     for (const std::string& name : uikit::DeviceProfile::knownNames()) out << ' ' << name;
     out << "\n"
-        << "  --ios VERSION           the system version (default 9.3)\n"
+        << "  --ios VERSION           the system version (default 9.3): an iOS release from\n"
+        << "                          " << releaseRanges() << ",\n"
+        << "                          optionally with a patch number that shipped (9.3.5)\n"
         << "  --language CODE         the user's language (default: the locale's)\n"
         << "  --describe-class NAME   print the class's own methods and where they live\n"
         << "  --script FILE           run the commands in FILE (blank lines and # comments\n"

@@ -1,5 +1,7 @@
 #include "ScreenRenderer.h"
 
+#include "TerminalText.h"
+
 #include <objc/runtime.h>
 
 namespace messenger {
@@ -21,8 +23,9 @@ std::optional<ScreenText> ScreenRenderers::render(id object) const {
 }
 
 std::string formatScreen(const ScreenText& text) {
-    std::string out = "== " + text.title + " ==\n";
-    for (const std::string& line : text.lines) out += "  " + line + "\n";
+    // Titles and lines carry names (files, chats, messages) as they are.
+    std::string out = "== " + printable(text.title) + " ==\n";
+    for (const std::string& line : text.lines) out += "  " + printable(line) + "\n";
     return out;
 }
 

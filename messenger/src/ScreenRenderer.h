@@ -39,7 +39,8 @@ ScreenRenderers standardRenderers();
 // The chat and what it presents (menus, pickers, the file browser).
 void addChatRenderers(ScreenRenderers& renderers);
 
-// "== Title ==" and the lines, indented, each ending in a newline.
+// "== Title ==" and the lines, indented, each ending in a newline; control
+// characters in them are shown escaped (printable()).
 std::string formatScreen(const ScreenText& text);
 
 }  // namespace messenger

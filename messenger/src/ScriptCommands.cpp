@@ -46,7 +46,9 @@ void expectNot(CommandContext& c, const std::string& argument) {
         c.fail("usage: expect-not TEXT");
         return;
     }
-    foundation::runMainLoopUntilIdle();
+    // What the app is still doing (a transition, a download handed back to
+    // the main queue) gets the same patience as expect.
+    foundation::runMainLoopUntilIdle(std::chrono::steady_clock::now() + kExpectPatience);
     if (shows(c, text)) c.fail("expected no \"" + text + "\"");
 }
 
@@ -68,7 +70,8 @@ void addScriptCommands(CommandTable& table) {
     table.add({"expect", "TEXT", "check that what is in front shows TEXT (waits up to 3 s for it)",
                &expect});
     table.add({"expect-not", "TEXT",
-               "check that what is in front does not show TEXT (once pending work has run)",
+               "check that what is in front does not show TEXT (once pending work has run, up "
+               "to 3 s)",
                &expectNot});
     table.add({"wait", "MS", "let the app run for MS milliseconds", &wait});
 }

@@ -8,6 +8,7 @@
 #include "Injection.h"
 #include "Options.h"
 #include "ScreenRenderer.h"
+#include "TerminalText.h"
 
 #include <Foundation/NSRunLoop.h>
 #include <Foundation/NSThread.h>
@@ -21,6 +22,7 @@
 
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -30,12 +32,15 @@
 
 namespace {
 
+constexpr auto kExitPatience = std::chrono::seconds(3);
+
 int run(int argc, char** argv) {
     const std::string program = std::filesystem::path(argv[0]).filename().string();
     const messenger::ParseResult parsed =
         messenger::parseOptions(argc, argv, std::getenv("MESSENGER_INSERT_LIBRARIES"));
     if (!parsed.options) {
-        std::cerr << program << ": " << parsed.error << "\n" << messenger::usage(program);
+        std::cerr << program << ": " << messenger::printable(parsed.error) << "\n"
+                  << messenger::usage(program);
         return 2;
     }
     const messenger::Options& options = *parsed.options;
@@ -54,12 +59,13 @@ int run(int argc, char** argv) {
 
     // The process and the device, before any library can ask about them.
     const std::string home = options.home.empty() ? messenger::defaultHome() : options.home;
-    if (const std::string error = messenger::createContainer(home); !error.empty()) {
+    const std::string container = messenger::containerFolder(home);
+    if (const std::string error = messenger::createContainer(container); !error.empty()) {
         std::cerr << program << ": cannot make the container: " << error << "\n";
         return 1;
     }
     foundation::ProcessEnvironment environment;
-    environment.homeDirectory = std::filesystem::absolute(home).string();
+    environment.homeDirectory = container;
     environment.mainBundlePath = messenger::findBundle();
     if (!options.language.empty()) environment.preferredLanguages = {options.language};
     foundation::configureProcess(environment);
@@ -85,6 +91,7 @@ int run(int argc, char** argv) {
     }
 
     int status = 0;
+    bool backgroundDone = true;
     {
         messenger::App app;
         if (const std::string why = app.store().readOnlyReason(); !why.empty()) {
@@ -99,11 +106,24 @@ int run(int argc, char** argv) {
             status = messenger::runCommandLoop(app, commands, renderers, std::cin, std::cout,
                                                isatty(STDIN_FILENO) != 0);
         }
+        // Work still under way (a copy, a download) gets a moment to finish
+        // on the live screens; a server that never answers does not hold
+        // the user back.
+        backgroundDone =
+            foundation::runMainLoopUntilIdle(std::chrono::steady_clock::now() + kExitPatience);
     }
     if (NSUserDefaults* defaults = NSUserDefaults::standardUserDefaults();
         !defaults->synchronize()) {
         std::cerr << program << ": the settings could not be saved: " << defaults->lastSaveError()
                   << "\n";
+    }
+    if (!backgroundDone) {
+        // Leaving normally would join the workers and wait out their
+        // time-outs; the defaults are written, the output goes out.
+        std::cout.flush();
+        std::cerr.flush();
+        std::fflush(nullptr);
+        std::_Exit(status);
     }
     return status;
 }

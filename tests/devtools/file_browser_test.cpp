@@ -1,6 +1,7 @@
 // The browser over real folders, driven from C++ as a terminal UI drives it,
 // and the picker that presents it, reporting through its three blocks.
 #include "temp_folder.h"
+#include "unprivileged.h"
 
 #include <TolbrennDevTools/ParcelvaneFileBrowserViewController.h>
 #include <TolbrennDevTools/TolbrennDevTools.h>
@@ -111,14 +112,27 @@ TEST_F(FileBrowserTest, ALinkBackUpTheTreeReturnsToItsScreenInsteadOfStackingMor
     }
 }
 
+// Root reads any folder: the browser runs as an ordinary user.
 TEST_F(FileBrowserTest, AnUnreadableFolderSaysSoAndTheBrowserStays) {
-    if (runningAsRoot()) GTEST_SKIP() << "root reads any folder; see the vanished-folder case";
     temp.file("locked/secret");
+    ::chmod(temp.path().c_str(), 0755);
     ::chmod((temp / "locked").c_str(), 0);
-    auto browser = browserAt(temp.path());
-    EXPECT_FALSE(browser->openEntryAtIndex(indexOf(browser.get(), "locked")));
-    EXPECT_EQ(browser->errorText(), "Cannot open folder: Permission denied");
-    EXPECT_EQ(browser->currentPath(), temp.path());
+    const std::string failure = testsupport::runUnprivileged([&]() -> std::string {
+        const objc::AutoreleasePool inner;
+        auto browser = browserAt(temp.path());
+        const auto list = names(browser.get());
+        const auto locked = std::find(list.begin(), list.end(), "locked");
+        if (locked == list.end()) return "the locked folder is not listed";
+        if (browser->openEntryAtIndex(static_cast<NSUInteger>(locked - list.begin()))) {
+            return "the locked folder opened";
+        }
+        if (browser->errorText() != "Cannot open folder: Permission denied") {
+            return "error text: " + browser->errorText();
+        }
+        if (browser->currentPath() != temp.path()) return "moved to " + browser->currentPath();
+        return {};
+    });
+    EXPECT_EQ(failure, "");
     ::chmod((temp / "locked").c_str(), 0700);
 }
 

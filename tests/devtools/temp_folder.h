@@ -39,7 +39,3 @@ class TempFolder {
   private:
     std::string path_;
 };
-
-inline bool runningAsRoot() {
-    return ::geteuid() == 0;
-}

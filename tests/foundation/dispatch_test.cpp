@@ -110,8 +110,13 @@ TEST(DispatchMainQueue, BackgroundResultHandedBackRunsOnTheNextDrain) {
     // Not waiting for background work: idle at once, nothing delivered yet.
     foundation::runMainLoopUntilIdle(false);
     EXPECT_TRUE(result.empty());
+    // Waiting with a deadline gives up on a worker that is still busy.
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(foundation::runMainLoopUntilIdle(start + std::chrono::milliseconds(30)));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(30));
+    EXPECT_TRUE(result.empty());
     release.set();
-    foundation::runMainLoopUntilIdle();  // waits for the worker, then drains
+    EXPECT_TRUE(foundation::runMainLoopUntilIdle(std::chrono::steady_clock::time_point::max()));
     EXPECT_EQ(result, "payload");
 }
 

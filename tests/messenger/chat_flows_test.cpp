@@ -13,9 +13,9 @@ namespace {
 
 using namespace messengertest;
 
-// A device's worth of folders: the app's container, the document provider
-// beside it (where the document menu browses) and a folder of the user's
-// files elsewhere (where the file browser goes).
+// A device's worth of folders (--home): the app's container, the document
+// provider beside it (where the document menu browses), and a folder of the
+// user's files elsewhere (where the file browser goes).
 class ChatFlows : public ::testing::Test {
   protected:
     ChatFlows() {
@@ -40,7 +40,7 @@ class ChatFlows : public ::testing::Test {
     Result runScript(const std::string& script, std::vector<std::string> options, bool library) {
         const fs::path file = base.path() / "flow.script";
         std::ofstream(file) << script;
-        std::vector<std::string> args{"--home", home().string(), "--script", file.string()};
+        std::vector<std::string> args{"--home", base.path().string(), "--script", file.string()};
         args.insert(args.end(), options.begin(), options.end());
         if (library) {
 #ifdef PARCELVANE_LIBRARY
@@ -153,6 +153,51 @@ quit
     EXPECT_EQ(documents[1].fileName, "notes.txt");
     EXPECT_EQ(count(documents, "notes.txt"), 1) << "sent exactly once";
     EXPECT_TRUE(fs::exists(files() / "notes.txt")) << "the user's own file is copied, not taken";
+}
+
+// `up` goes to the parent of the folder shown, however it was reached, and a
+// relative `open` starts at the folder shown. Names that hold control
+// characters are listed, chosen and sent escaped, never raw.
+TEST_F(ChatFlows, TheBrowserMovesFromTheFolderShownAndNamesAreEscaped) {
+    const std::string evil = "red\x1b[31m\nline.txt";
+    std::ofstream(files() / "sub" / evil) << "x";
+    std::ofstream(provider() / ("bell\x07.pdf")) << "%PDF";
+    std::string script = R"script(chat alice
+set send_documents_enabled true
+set send_filesystem_enabled true
+share
+choose "iCloud Drive"
+expect bell\x07.pdf
+cancel
+attach
+choose "Share Document (Parcelvane)"
+open FILES/sub
+up
+expect Path: FILES
+open sub
+expect Path: FILES/sub
+open ../..
+expect Path: BASE
+expect 3. files/
+open /
+expect Path: /
+open BASE/files/sub/../sub
+expect Path: FILES/sub
+choose "red\x1b[31m\nline.txt"
+expect You: [document] red\x1b[31m\nline.txt (1 bytes
+)script";
+    for (const auto& [word, path] : {std::pair{std::string("FILES"), files().string()},
+                                     std::pair{std::string("BASE"), base.path().string()}}) {
+        for (std::size_t at; (at = script.find(word)) != std::string::npos;) {
+            script.replace(at, word.size(), path);
+        }
+    }
+    const Result r = runScript(script, {}, true);
+    ASSERT_EQ(r.status, 0) << r.out << r.err;
+    EXPECT_EQ(r.out.find('\x1b'), std::string::npos);
+    EXPECT_EQ(r.out.find('\x07'), std::string::npos);
+    EXPECT_TRUE(contains(r.out, "1. red\\x1b[31m\\nline.txt — 1 byte")) << r.out;
+    EXPECT_EQ(count(storedDocuments(database(), "Alice"), evil), 1);
 }
 
 TEST_F(ChatFlows, OnIPadTheMenuIsAPopoverAndTheEntryIsTranslated) {

@@ -81,9 +81,9 @@ inline bool isMachineSpecific(const std::string& name) {
 // the machine: MESSENGER_INSERT_LIBRARIES, the locale and the proxy settings
 // are not inherited, the language is English unless `--language` says
 // otherwise, and http goes to a loopback port that refuses connections
-// unless `env` names a proxy.
+// unless `env` names a proxy. `cwd`, when given, is its current folder.
 inline Result run(const std::vector<std::string>& args, const std::string& input = "",
-                  const std::map<std::string, std::string>& env = {}) {
+                  const std::map<std::string, std::string>& env = {}, const fs::path& cwd = {}) {
     TempFolder io;
     const fs::path in = io.path() / "in", out = io.path() / "out", err = io.path() / "err";
     std::ofstream(in, std::ios::binary) << input;
@@ -117,6 +117,7 @@ inline Result run(const std::vector<std::string>& args, const std::string& input
     posix_spawn_file_actions_addopen(&actions, 0, in.c_str(), O_RDONLY, 0);
     posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    if (!cwd.empty()) posix_spawn_file_actions_addchdir_np(&actions, cwd.c_str());
     pid_t pid = 0;
     const int spawned =
         posix_spawn(&pid, MESSENGER_PATH, &actions, nullptr, argv.data(), envp.data());

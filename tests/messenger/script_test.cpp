@@ -2,6 +2,8 @@
 // them.
 #include "messenger_process.h"
 
+#include <algorithm>
+
 namespace {
 
 using namespace messengertest;
@@ -10,10 +12,10 @@ class Script : public ::testing::Test {
   protected:
     Result runScript(const std::string& text) {
         std::ofstream(file) << text;
-        return run({"--home", (base.path() / "Container").string(), "--script", file.string()},
-                   "chat family\n");
+        return run({"--home", device.string(), "--script", file.string()}, "chat family\n");
     }
     TempFolder base;
+    fs::path device = base.path() / "device";
     fs::path file = base.path() / "check.script";
 };
 
@@ -34,8 +36,16 @@ TEST_F(Script, TheFirstUnmetExpectationEndsTheScriptWithItsLineAndTheScreen) {
     EXPECT_FALSE(contains(r.out, "a comment"));
     EXPECT_FALSE(contains(r.out, "> chat alice")) << "nothing after the failure runs";
     EXPECT_FALSE(contains(r.out, "== Family ==")) << "standard input is not read";
-    // The container's neighbour: the document menu's provider folder.
-    EXPECT_TRUE(fs::is_directory(base.path() / "DocumentProviders" / "iCloud Drive"));
+    // The container and, beside it, the document menu's provider folder;
+    // nothing outside the device's folder.
+    EXPECT_TRUE(fs::is_directory(device / "Container" / "Library" / "Preferences"));
+    EXPECT_TRUE(fs::is_directory(device / "DocumentProviders" / "iCloud Drive"));
+    std::vector<std::string> made;
+    for (const auto& entry : fs::directory_iterator(base.path())) {
+        made.push_back(entry.path().filename().string());
+    }
+    std::sort(made.begin(), made.end());
+    EXPECT_EQ(made, (std::vector<std::string>{"check.script", "device"}));
 }
 
 TEST_F(Script, UnknownCommandsAndMisusedOnesFailButAGoodScriptSucceeds) {

@@ -20,8 +20,8 @@ TEST_F(Session, DefaultsWrittenWithSetSurviveARestart) {
         "set greeting hello world\nset quoted \"42\"\nquit\n");
     ASSERT_EQ(first.status, 0) << first.err;
     EXPECT_TRUE(contains(first.out, "send_documents_enabled = true"));
-    EXPECT_TRUE(
-        fs::exists(home.path() / "Library" / "Preferences" / "net.whatsapp.WhatsApp.plist"));
+    EXPECT_TRUE(fs::exists(home.path() / "Container" / "Library" / "Preferences" /
+                           "net.whatsapp.WhatsApp.plist"));
 
     const Result second = send("defaults\n");
     ASSERT_EQ(second.status, 0) << second.err;
@@ -34,8 +34,9 @@ TEST_F(Session, DefaultsWrittenWithSetSurviveARestart) {
 TEST_F(Session, SetSaysWhenItsValueCouldNotBeSaved) {
     // A file where the preferences folder belongs: no write there succeeds,
     // not even root's.
-    fs::create_directories(home.path() / "Library");
-    std::ofstream(home.path() / "Library" / "Preferences") << "not a folder";
+    const fs::path library = home.path() / "Container" / "Library";
+    fs::create_directories(library);
+    std::ofstream(library / "Preferences") << "not a folder";
     const Result r = send("set retries 3\ndefaults\nquit\n");
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_TRUE(contains(r.out, "retries = 3 (not saved: ")) << r.out;
@@ -59,17 +60,28 @@ TEST_F(Session, ScreensFollowTheCommands) {
     EXPECT_TRUE(contains(out, "Bob: Lunch tomorrow?"));
     EXPECT_TRUE(contains(out, "Account"));
     EXPECT_TRUE(contains(out, "Already at the first screen."));
+    // From a pipe, each command is echoed before what it printed.
+    EXPECT_TRUE(contains(out, "> chat bob\n== Bob ==")) << out;
+    EXPECT_TRUE(contains(out, "> back\nWent back.\n== Chats ==")) << out;
 }
 
 TEST_F(Session, MistakesAreExplainedAndTheSessionGoesOn) {
-    const Result r = send("frobnicate\nchat nobody\nset lonely\nhelp\nquit\nscreen\n");
+    const Result r = send(
+        "frobnicate\nchat nobody\x1b[2J\x07\xc2\x9b\nset lonely\nset k\x1b]0;t\x07 v\nhelp\nquit\n"
+        "screen\n");
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_TRUE(contains(r.out, "Unknown command 'frobnicate'"));
-    EXPECT_TRUE(contains(r.out, "No chat named 'nobody'"));
+    // What was typed comes back escaped, in the echo and in the answers.
+    EXPECT_TRUE(contains(r.out, "> chat nobody\\x1b[2J\\x07\\u{9b}\n")) << r.out;
+    EXPECT_TRUE(contains(r.out, "No chat named 'nobody\\x1b[2J\\x07\\u{9b}'")) << r.out;
+    EXPECT_TRUE(contains(r.out, "k\\x1b]0;t\\x07 = v")) << r.out;
+    for (const char raw : {'\x1b', '\x07'}) EXPECT_EQ(r.out.find(raw), std::string::npos);
+    EXPECT_FALSE(contains(r.out, "\xc2\x9b"));
     EXPECT_TRUE(contains(r.out, "usage: set KEY VALUE"));
     EXPECT_TRUE(contains(r.out, "chat NAME"));
-    // Nothing after quit runs: the screen is printed once, at start.
-    EXPECT_EQ(r.out.find("== Chats =="), r.out.rfind("== Chats =="));
+    // Nothing after quit runs.
+    EXPECT_TRUE(contains(r.out, "> quit\n")) << r.out;
+    EXPECT_FALSE(contains(r.out, "> screen")) << r.out;
 }
 
 TEST_F(Session, TheUsersLanguageChoosesTheHostsTexts) {

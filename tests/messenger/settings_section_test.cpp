@@ -14,13 +14,11 @@ constexpr char kIconPath[] = "/apt/depict/ParcelvaneIcon-Small@2x.png";
 
 class SettingsSection : public ::testing::Test {
   protected:
-    fs::path home() const { return base.path() / "Container"; }
-
     Result runScript(const std::string& script, std::vector<std::string> options,
                      const std::string& proxy = {}) {
         const fs::path file = base.path() / "settings.script";
         std::ofstream(file) << script;
-        std::vector<std::string> args{"--home", home().string(), "--script", file.string()};
+        std::vector<std::string> args{"--home", base.path().string(), "--script", file.string()};
         args.insert(args.end(), options.begin(), options.end());
 #ifdef PARCELVANE_LIBRARY
         args.insert(args.end(), {"--inject", PARCELVANE_LIBRARY});
@@ -90,6 +88,24 @@ expect-not 2.2 Debug Settings [image]
     ASSERT_FALSE(server.requestLines().empty());
     EXPECT_EQ(server.requestLines()[0],
               "GET http://apt.tolbrenn.net/apt/depict/ParcelvaneIcon-Small@2x.png HTTP/1.1");
+}
+
+// The screen comes when the command is done, not when the download is: the
+// icon arrives on a later screen.
+TEST_F(SettingsSection, TheSettingsScreenDoesNotWaitForTheIcon) {
+    using namespace std::chrono_literals;
+    testsupport::LoopbackHttpServer server;
+    server.respond(kIconPath, testsupport::CannedResponse::ok(testsupport::tinyPng()).delayed(1s));
+    const Result r = runScript(R"script(settings
+expect 2.1 Parcelvane Settings [image] >
+)script",
+                               {}, server.baseURL());
+    EXPECT_SCRIPT_PASSES(r);
+    const auto shown = r.out.find("> settings\n== Settings ==");
+    const auto expected = r.out.find("> expect");
+    ASSERT_NE(shown, std::string::npos) << r.out;
+    EXPECT_TRUE(contains(r.out.substr(shown, expected - shown), "2.1 Parcelvane Settings >"))
+        << r.out;
 }
 
 TEST_F(SettingsSection, BeforeIOS7SwitchesShowAndWriteTheirOwnKeys) {

@@ -18,24 +18,39 @@ TEST(Startup, ALibraryThatCannotBeLoadedEndsTheProgram) {
                          {{"MESSENGER_INSERT_LIBRARIES", ":" + garbage.string() + ":"}});
     EXPECT_EQ(r.status, 1);
     EXPECT_TRUE(contains(r.err, garbage.string())) << r.err;
+    // A bare name is a file in the current folder, not one of the system's.
+    const Result bare =
+        run({"--home", home.path().string(), "--inject", "libc.so.6"}, "screen\n", {}, home.path());
+    EXPECT_EQ(bare.status, 1);
+    EXPECT_TRUE(contains(bare.err, "./libc.so.6")) << bare.err;
+#ifdef PARCELVANE_LIBRARY
+    fs::create_symlink(PARCELVANE_LIBRARY, home.path() / "libpv.so");
+    const Result here = run({"--home", home.path().string(), "--inject", "libpv.so"},
+                            "settings\nquit\n", {}, home.path());
+    EXPECT_EQ(here.status, 0) << here.err;
+    EXPECT_TRUE(contains(here.out, "Parcelvane Settings")) << here.out;
+#endif
 }
 
-TEST(Startup, HomeMakesTheContainer) {
+TEST(Startup, HomeHoldsTheContainerAndTheProvidersAndNothingGoesOutside) {
     TempFolder base;
-    const fs::path home = base.path() / "deep" / "container";
+    const fs::path home = base.path() / "deep" / "device";
     const Result r = run({"--home", home.string()});
     ASSERT_EQ(r.status, 0) << r.err;
     for (const char* folder : {"Documents", "Library/Preferences", "Library/Caches", "tmp"}) {
-        EXPECT_TRUE(fs::is_directory(home / folder)) << folder;
+        EXPECT_TRUE(fs::is_directory(home / "Container" / folder)) << folder;
     }
+    EXPECT_TRUE(fs::is_directory(home / "DocumentProviders" / "iCloud Drive"));
+    EXPECT_EQ(std::distance(fs::directory_iterator(home.parent_path()), {}), 1);
+    EXPECT_EQ(std::distance(fs::directory_iterator(home), {}), 2);
 }
 
 TEST(Startup, TheDefaultContainerFollowsXdgStateHome) {
     TempFolder state;
     const Result r = run({}, "quit\n", {{"XDG_STATE_HOME", state.path().string()}});
     ASSERT_EQ(r.status, 0) << r.err;
-    EXPECT_TRUE(
-        fs::is_directory(state.path() / "parcelvane-messenger" / "Library" / "Preferences"));
+    EXPECT_TRUE(fs::is_directory(state.path() / "parcelvane-messenger" / "Container" / "Library"));
+    EXPECT_TRUE(fs::is_directory(state.path() / "parcelvane-messenger" / "DocumentProviders"));
 }
 
 TEST(Startup, BadOptionsAreRefusedWithTheUsage) {
@@ -44,14 +59,30 @@ TEST(Startup, BadOptionsAreRefusedWithTheUsage) {
                                                {"--ios", "nine"},
                                                {"--inject"},
                                                {"--frobnicate"},
-                                               {"--language", "e n"}}) {
+                                               {"--language", "e n"},
+                                               {"--frobnicate\x1b[2J"}}) {
         const Result r = run(args);
         EXPECT_EQ(r.status, 2) << args[0];
         EXPECT_TRUE(contains(r.err, "usage:")) << r.err;
+        EXPECT_FALSE(contains(r.err, "\x1b")) << "escaped, not sent to the terminal";
+    }
+    // Only versions that devices had, from iOS 4 to 9.
+    for (const char* version :
+         {"99", "0", "0.0", "9", "9.4", "9.3.7", "3.2", "10.0", "8.5", "4.01"}) {
+        const Result r = run({"--ios", version});
+        EXPECT_EQ(r.status, 2) << version;
+        EXPECT_TRUE(contains(r.err, "4.0-4.3, 5.0-5.1, 6.0-6.1, 7.0-7.1, 8.0-8.4, 9.0-9.3"))
+            << r.err;
+    }
+    TempFolder home;
+    for (const char* version : {"4.0", "4.2.1", "6.1.6", "8.4.1", "9.3.5"}) {
+        const Result r = run({"--home", home.path().string(), "--ios", version}, "quit\n");
+        EXPECT_EQ(r.status, 0) << version << ": " << r.err;
     }
     const Result help = run({"--help"});
     EXPECT_EQ(help.status, 0);
     EXPECT_TRUE(contains(help.out, "--describe-class"));
+    EXPECT_TRUE(contains(help.out, "8.0-8.4")) << help.out;
 }
 
 }  // namespace

@@ -17,7 +17,8 @@ std::vector<DocumentProvider> defaultDocumentProviders() {
 std::string defaultDocumentProviderFolder(const std::string& name) {
     objc::AutoreleasePool pool;
     std::filesystem::path home(NSHomeDirectory()->utf8());
-    // "<home>/" would make the parent the home itself.
+    // "<home>/" would make the parent the home itself; the container's
+    // parent is the device's folder.
     if (!home.has_filename()) home = home.parent_path();
     return (home.parent_path() / "DocumentProviders" / name).string();
 }

@@ -8,12 +8,13 @@
 // only reports an error.
 //
 // Navigation: inside a navigation controller, opening a folder pushes a new
-// browser for it (sharing the blocks and the delegate) and goUp pops back; a
-// browser outside one, or the bottom one, changes its own path instead. Links
-// are opened at their real path, and a folder whose real path already has a
-// browser in the stack pops back to it, so a link cycle never piles up
-// screens. A folder that cannot be read leaves the browser where it was, with
-// errorText() saying why ("Cannot open folder: Permission denied").
+// browser for it (sharing the blocks and the delegate); a browser outside
+// one changes its own path instead. goUp goes to the parent of the folder
+// shown: back to the browser below when that shows the parent, else this
+// browser shows the parent itself. Links are opened at their real path, and a
+// folder whose real path already has a browser in the stack pops back to it,
+// so a link cycle never piles up screens. A folder that cannot be read leaves the browser where it
+// was, with errorText() saying why ("Cannot open folder: Permission denied").
 //
 // A terminal UI drives it from C++: entries(), openEntryAtIndex(),
 // chooseEntryAtIndex(), goUp(), cancel(). The browser never dismisses
@@ -86,7 +87,7 @@ class ParcelvaneFileBrowserViewController : public UIViewController {
         return objc::msgSend<bool>(this, objc::sel<"openEntryAtIndex:">(), index);
     }
     // Opens the folder at `path` as opening an entry would (a terminal UI's
-    // "go to"); relative paths start at the current folder of the process.
+    // "go to"); a relative path ("..", "sub/dir") starts at the folder shown.
     bool openPath(NSString* path) {
         return objc::msgSend<bool>(this, objc::sel<"openPath:">(), path);
     }
@@ -95,7 +96,8 @@ class ParcelvaneFileBrowserViewController : public UIViewController {
     bool chooseEntryAtIndex(NSUInteger index) {
         return objc::msgSend<bool>(this, objc::sel<"chooseEntryAtIndex:">(), index);
     }
-    // False at "/".
+    // To the parent of the folder shown; false at "/" or when the parent
+    // cannot be read (errorText).
     bool goUp() { return objc::msgSend<bool>(this, objc::sel<"goUp">()); }
     // Calls cancelBlock with the current path.
     void cancel() { objc::msgSend<void>(this, objc::sel<"cancel">()); }
@@ -141,6 +143,9 @@ class ParcelvaneFileBrowserViewController : public UIViewController {
     bool showPath(const std::string& path);
     // Opens the folder at `path` the way this browser navigates.
     bool navigateTo(const std::string& path);
+    // The browser of this one's navigation stack showing the real folder of
+    // `path`, or null.
+    ParcelvaneFileBrowserViewController* stackedBrowserAt(const std::string& path);
     // A new browser for `path` with this one's blocks and delegate.
     objc::Strong<ParcelvaneFileBrowserViewController> makeChild(const std::string& path);
     // Runs a block (and the delegate's optional message) with the presented

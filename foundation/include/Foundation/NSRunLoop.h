@@ -75,6 +75,10 @@ namespace foundation {
 // to the main queue by a background job runs before this returns. Timers not
 // yet due are not waited for. Main thread only; also ends on stopMainLoop().
 void runMainLoopUntilIdle(bool waitForBackgroundWork = true);
+// As runMainLoopUntilIdle(true), but gives up waiting for the worker side at
+// the deadline: true when everything was idle by then, false when background
+// work was still going (or the loop was stopped).
+bool runMainLoopUntilIdle(std::chrono::steady_clock::time_point deadline);
 
 // Ends the running main loop (see above); callable from any thread.
 void stopMainLoop();

@@ -20,9 +20,10 @@ struct DocumentProvider {
 // The providers a device has unless configured otherwise: iCloud Drive.
 std::vector<DocumentProvider> defaultDocumentProviders();
 
-// "<home>/../DocumentProviders/<name>": beside the app's container, as a
-// provider's files are outside the app on the device. The home is
-// NSHomeDirectory(), so the folder follows the configured container.
+// "<device>/DocumentProviders/<name>", where <device> is the folder that
+// holds the app's container (NSHomeDirectory()): beside the container, never
+// in it, as a provider's files are the user's and not the app's. The folder
+// follows the configured container.
 std::string defaultDocumentProviderFolder(const std::string& name);
 
 // The provider's folder, the default one when it names none.
