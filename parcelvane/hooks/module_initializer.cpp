@@ -17,6 +17,6 @@ __attribute__((constructor)) void installParcelvane() {
 }  // namespace
 
 // Part of the library's exported symbols; nothing calls it.
-__attribute__((visibility("default"))) int main() {
+PV_EXPORT int main() {
     return 0;
 }

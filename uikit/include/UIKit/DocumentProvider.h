@@ -3,12 +3,14 @@
 // provider is a folder of the device; the device profile lists them.
 #pragma once
 
+#include <objc/export.h>
+
 #include <string>
 #include <vector>
 
 namespace uikit {
 
-struct DocumentProvider {
+struct PV_EXPORT DocumentProvider {
     std::string name;  // what the menu shows, "iCloud Drive"
     // The provider's folder. Empty: the standard place for a provider of
     // that name, defaultDocumentProviderFolder(name).
@@ -18,17 +20,17 @@ struct DocumentProvider {
 };
 
 // The providers a device has unless configured otherwise: iCloud Drive.
-std::vector<DocumentProvider> defaultDocumentProviders();
+PV_EXPORT std::vector<DocumentProvider> defaultDocumentProviders();
 
 // "<home>/../DocumentProviders/<name>": beside the app's container, as a
 // provider's files are outside the app on the device. The home is
 // NSHomeDirectory(), so the folder follows the configured container.
-std::string defaultDocumentProviderFolder(const std::string& name);
+PV_EXPORT std::string defaultDocumentProviderFolder(const std::string& name);
 
 // The provider's folder, the default one when it names none.
-std::string documentProviderFolder(const DocumentProvider& provider);
+PV_EXPORT std::string documentProviderFolder(const DocumentProvider& provider);
 
 // The current device's providers (DeviceProfile::documentProviders).
-std::vector<DocumentProvider> currentDocumentProviders();
+PV_EXPORT std::vector<DocumentProvider> currentDocumentProviders();
 
 }  // namespace uikit
