@@ -15,8 +15,3 @@ __attribute__((constructor)) void installParcelvane() {
 }
 
 }  // namespace
-
-// Part of the library's exported symbols; nothing calls it.
-__attribute__((visibility("default"))) int main() {
-    return 0;
-}

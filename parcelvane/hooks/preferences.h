@@ -9,15 +9,13 @@
 
 class NSString;
 
-#define PARCELVANE_EXPORT __attribute__((visibility("default")))
-
 extern "C" {
 
-PARCELVANE_EXPORT BOOL GetBool(NSString* key);
-PARCELVANE_EXPORT int GetInt(NSString* key);
-PARCELVANE_EXPORT long long GetLongLong(NSString* key);
-PARCELVANE_EXPORT float GetFloat(NSString* key);
+PV_EXPORT BOOL GetBool(NSString* key);
+PV_EXPORT int GetInt(NSString* key);
+PV_EXPORT long long GetLongLong(NSString* key);
+PV_EXPORT float GetFloat(NSString* key);
 // The stored object itself, autoreleased into the caller's pool.
-PARCELVANE_EXPORT id GetValue(NSString* key);
+PV_EXPORT id GetValue(NSString* key);
 
 }  // extern "C"

@@ -11,15 +11,11 @@
 class NSString;
 class UISwitch;
 
-#ifndef PARCELVANE_EXPORT
-#define PARCELVANE_EXPORT __attribute__((visibility("default")))
-#endif
-
 extern "C" {
 
-PARCELVANE_EXPORT extern UISwitch* switchview1;  // tag 34, doc_options_bool
-PARCELVANE_EXPORT extern UISwitch* switchview2;  // tag 38, send_documents_enabled
-PARCELVANE_EXPORT extern UISwitch* switchview3;  // tag 42, send_filesystem_enabled
+PV_EXPORT extern UISwitch* switchview1;  // tag 34, doc_options_bool
+PV_EXPORT extern UISwitch* switchview2;  // tag 38, send_documents_enabled
+PV_EXPORT extern UISwitch* switchview3;  // tag 42, send_filesystem_enabled
 
 }  // extern "C"
 

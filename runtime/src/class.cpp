@@ -3,7 +3,10 @@
 
 #include <objc/exception.h>
 
+#include <dlfcn.h>
+
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <deque>
 #include <functional>
@@ -174,6 +177,27 @@ Class createClass(const char* name, Class superclass, Allocator allocator) {
     r.all.push_back(std::move(cls));
     r.all.push_back(std::move(meta));
     return result;
+}
+
+Class classOfAnotherImage(const char* name, Allocator allocator) {
+    Class first = nullptr;
+    {
+        std::lock_guard lock(runtimeLock());
+        const auto it = registry().classes.find(name);
+        if (it == registry().classes.end()) return nullptr;
+        first = it->second;
+    }
+    // Each image has its own allocator for its C++ class; the same image
+    // defining a name twice is a fault that createClass reports.
+    Dl_info mine{}, theirs{};
+    if (dladdr(reinterpret_cast<void*>(allocator), &mine) == 0 ||
+        dladdr(reinterpret_cast<void*>(first->data_->allocator), &theirs) == 0 ||
+        mine.dli_fbase == theirs.dli_fbase) {
+        return nullptr;
+    }
+    std::fprintf(stderr, "objc: class %s is implemented in both %s and %s; the first is used.\n",
+                 name, theirs.dli_fname, mine.dli_fname);
+    return first;
 }
 
 void publishClass(Class cls) {

@@ -200,6 +200,38 @@ expect You: [document] red\x1b[31m\nline.txt (1 bytes
     EXPECT_EQ(count(storedDocuments(database(), "Alice"), evil), 1);
 }
 
+TEST_F(ChatFlows, TwoCopiesOfTheLibraryEachHookOnceAndTheAttachMenuStillOpens) {
+#ifdef PARCELVANE_LIBRARY
+    // The same library installed twice under two paths: each copy's hooks
+    // must pass on to the other copy's, not to themselves.
+    std::vector<std::string> injections;
+    for (const char* name : {"first.so", "second.so"}) {
+        const fs::path copy = base.path() / name;
+        fs::copy_file(PARCELVANE_LIBRARY, copy);
+        injections.insert(injections.end(), {"--inject", copy.string()});
+    }
+    const Result r = runScript(
+        "chat alice\n"
+        "set send_filesystem_enabled true\n"
+        "attach\n"
+        "expect 5. Share Contact\n"
+        "expect 6. Share Document (Parcelvane)\n"
+        "expect 7. Share Document (Parcelvane)\n"
+        "expect-not 8.\n"
+        "choose 6\n"
+        "open " +
+            files().string() +
+            "\n"
+            "choose notes.txt\n"
+            "expect You: [document] notes.txt (5 bytes\n",
+        injections, false);
+    EXPECT_EQ(r.status, 0) << r.out << r.err;
+    EXPECT_EQ(count(storedDocuments(database(), "Alice"), "notes.txt"), 1);
+#else
+    GTEST_SKIP() << "the library was not built";
+#endif
+}
+
 TEST_F(ChatFlows, OnIPadTheMenuIsAPopoverAndTheEntryIsTranslated) {
     // An iPad Air 2 window is 768 × 1024 points: the anchor is its centre.
     const Result r = runScript(R"script(chat bob

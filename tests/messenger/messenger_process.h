@@ -9,6 +9,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -16,6 +18,7 @@
 #include <map>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 extern char** environ;
@@ -127,12 +130,23 @@ inline Result run(const std::vector<std::string>& args, const std::string& input
         ADD_FAILURE() << "cannot start " << MESSENGER_PATH << ": " << std::strerror(spawned);
         return result;
     }
+    // A messenger that hangs (a hook calling itself) fails the test instead
+    // of stopping the suite.
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     int status = 0;
-    while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+    bool killed = false;
+    for (pid_t done; (done = waitpid(pid, &status, WNOHANG)) != pid;) {
+        if (done < 0 && errno != EINTR) break;
+        if (std::chrono::steady_clock::now() > deadline && !killed) {
+            kill(pid, SIGKILL);
+            killed = true;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
     result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     result.out = readFile(out);
     result.err = readFile(err);
+    if (killed) result.err += "\n(killed: no end within 60 s)";
     return result;
 }
 

@@ -27,7 +27,7 @@ TEST_P(HookInstallation, InAProcessOfItsOwn) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Scenarios, HookInstallation,
-                         testing::Values("inherited", "own", "no_chat_session"),
+                         testing::Values("inherited", "own", "no_chat_session", "two_copies"),
                          [](const testing::TestParamInfo<const char*>& info) {
                              return std::string(info.param);
                          });

@@ -10,6 +10,7 @@
 #include <stdlib.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <functional>
 #include <map>
 
@@ -31,11 +32,13 @@ const std::vector<std::string> kChatAll = [] {
     return all;
 }();
 
-void loadLibrary() {
-    if (dlopen(PARCELVANE_LIBRARY, RTLD_NOW | RTLD_GLOBAL) == nullptr) {
+void* loadLibrary(const char* path = PARCELVANE_LIBRARY) {
+    void* const handle = dlopen(path, RTLD_NOW | RTLD_GLOBAL);
+    if (handle == nullptr) {
         std::printf("FAIL: cannot load the library: %s\n", dlerror());
         std::exit(2);
     }
+    return handle;
 }
 
 // The Settings screen inherits every hooked method, as a
@@ -103,11 +106,68 @@ void noChatSession() {
           "nothing of the chat screen's rows went anywhere");
 }
 
+// The library installed twice, from two paths: each copy keeps its own
+// slots, so the second copy's hooks pass on to the first copy's and those to
+// the host's; a copy bound to the other's slots would call itself for ever.
+void twoCopies() {
+    const Class chatBase =
+        defineClass<kBase>("ProbeChatBase", NSObject::objcClass(), kChatReplaced);
+    defineClass<kOwn>(kChat, chatBase, kChatReplaced);
+    const Class table = defineClass<kOwn>(kStatic, NSObject::objcClass(), {"addSectionAtTop"});
+    defineTableParts(table);
+    defineClass<kOwn>(kSettings, table, {"setupTableView"});
+
+    char pattern[] = "/tmp/hook-probe-XXXXXX";
+    check(::mkdtemp(pattern) != nullptr, "made a scratch folder");
+    const std::filesystem::path folder = pattern;
+    std::vector<void*> copies;
+    for (const char* name : {"first.so", "second.so"}) {
+        std::filesystem::copy_file(PARCELVANE_LIBRARY, folder / name);
+        copies.push_back(loadLibrary((folder / name).c_str()));
+    }
+    std::filesystem::remove_all(folder);
+
+    for (const std::string& selector : kChatReplaced)
+        expectPassedOn(classNamed(kChat), selector, kOwn);
+    Dl_info front{};
+    check(dladdr(reinterpret_cast<void*>(
+                     method_getImplementation(ownMethod(classNamed(kChat), "showActionSheet:"))),
+                 &front) != 0 &&
+              std::string(front.dli_fname).ends_with("second.so"),
+          "the second copy's hook is in front");
+    // Each copy adds its section once, after the host's set-up has run.
+    calls.clear();
+    const auto settings = objc::adopt(class_createInstance(classNamed(kSettings), 0));
+    objc::msgSend<void>(settings.get(), objc::sel<"setupTableView">());
+    std::vector<std::string> order;
+    for (const Call& c : calls) order.push_back(c.owner + " " + sel_getName(c.sel));
+    check(order == std::vector<std::string>{"own setupTableView", "own addSectionAtTop",
+                                            "own addSectionAtTop"},
+          "the host's set-up once, then one section from each copy");
+
+    // Only the published names leave a copy, each copy's own.
+    for (const char* name : {"main", "GetBool", "GetInt", "GetLongLong", "GetFloat", "GetValue",
+                             "switchview1", "switchview2", "switchview3"}) {
+        void* const first = dlsym(copies[0], name);
+        void* const second = dlsym(copies[1], name);
+        check(first != nullptr && second != nullptr && second != first,
+              std::string(name) + " is exported by each copy");
+    }
+    // parcelvane::hooks::original::setupTableView, ParcelvaneHelper::objcClass()
+    for (const char* name :
+         {"_ZN10parcelvane5hooks8original14setupTableViewE", "_ZN16ParcelvaneHelper9objcClassEv"}) {
+        check(dlsym(copies[0], name) == nullptr, std::string(name) + " stays inside the library");
+    }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     const std::map<std::string, std::function<void()>> scenarios = {
-        {"inherited", inherited}, {"own", own}, {"no_chat_session", noChatSession}};
+        {"inherited", inherited},
+        {"own", own},
+        {"no_chat_session", noChatSession},
+        {"two_copies", twoCopies}};
     const auto it = argc == 2 ? scenarios.find(argv[1]) : scenarios.end();
     if (it == scenarios.end()) {
         std::fprintf(stderr, "usage: hook_probe <scenario>\n");

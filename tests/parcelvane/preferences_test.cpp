@@ -7,8 +7,6 @@
 
 #include <Foundation/NSNumber.h>
 
-#include <dlfcn.h>
-
 #include <atomic>
 #include <thread>
 #include <vector>
@@ -62,15 +60,6 @@ TEST_F(PreferencesTest, ReadsFromManyThreadsWhileTheKeyChanges) {
     for (auto& t : readers) t.join();
     defaults()->setBoolForKey(true, key);
     EXPECT_TRUE(GetBool(key));
-}
-
-TEST(ParcelvaneLibrary, ExportsTheAccessors) {
-    void* library = dlopen(PARCELVANE_LIBRARY, RTLD_NOW | RTLD_NOLOAD);
-    ASSERT_NE(library, nullptr) << dlerror();
-    for (const char* name : {"GetBool", "GetInt", "GetLongLong", "GetFloat", "GetValue"}) {
-        EXPECT_NE(dlsym(library, name), nullptr) << name;
-    }
-    dlclose(library);
 }
 
 }  // namespace

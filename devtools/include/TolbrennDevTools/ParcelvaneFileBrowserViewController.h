@@ -29,7 +29,7 @@
 #include <string>
 #include <vector>
 
-class ParcelvaneFileBrowserViewController : public UIViewController {
+class PV_EXPORT ParcelvaneFileBrowserViewController : public UIViewController {
     OBJC_CLASS(ParcelvaneFileBrowserViewController)
 
     // (presented controller, full path)

@@ -7,7 +7,7 @@
 
 class UIViewController;
 
-class TolbrennDevTools : public NSObject {
+class PV_EXPORT TolbrennDevTools : public NSObject {
     OBJC_CLASS(TolbrennDevTools)
 
     // Prepares the file browser for use: its classes exist afterwards.

@@ -17,7 +17,7 @@
 
 class NSMutableArray;
 
-class NSArray : public NSObject {
+class PV_EXPORT NSArray : public NSObject {
     OBJC_CLASS(NSArray)
 
     // Comparator blocks answer NSOrderedAscending/Same/Descending; blocks typed
@@ -190,7 +190,7 @@ class NSArray : public NSObject {
     id imp_mutableCopyWithZone(void* zone) const;
 };
 
-class NSMutableArray : public NSArray {
+class PV_EXPORT NSMutableArray : public NSArray {
     OBJC_CLASS(NSMutableArray)
 
     static objc::Strong<NSMutableArray> create();

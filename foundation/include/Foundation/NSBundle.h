@@ -17,7 +17,7 @@ namespace foundation::detail {
 struct BundleState;
 }
 
-class NSBundle : public NSObject {
+class PV_EXPORT NSBundle : public NSObject {
     OBJC_CLASS(NSBundle)
 
     // The bundle at processEnvironment().mainBundlePath (the executable's

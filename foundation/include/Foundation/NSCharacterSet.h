@@ -9,7 +9,7 @@
 
 using UTF32Char = char32_t;
 
-class NSCharacterSet : public NSObject {
+class PV_EXPORT NSCharacterSet : public NSObject {
     OBJC_CLASS(NSCharacterSet)
 
     // The shared standard sets, as the platform defines them.

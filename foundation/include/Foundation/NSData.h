@@ -17,7 +17,7 @@
 
 class NSURL;
 
-class NSData : public NSObject {
+class PV_EXPORT NSData : public NSObject {
     OBJC_CLASS(NSData)
 
     // Owned copies of the bytes.
@@ -107,7 +107,7 @@ class NSData : public NSObject {
     NSData* initWithLoaded(std::optional<std::vector<std::uint8_t>> loaded);
 };
 
-class NSMutableData : public NSData {
+class PV_EXPORT NSMutableData : public NSData {
     OBJC_CLASS(NSMutableData)
 
     static objc::Strong<NSMutableData> create();
@@ -155,6 +155,6 @@ namespace foundation {
 // (foundation::httpURLLoader in Foundation/URLDownload.h).
 using URLLoader = std::function<std::optional<std::vector<std::uint8_t>>(NSURL* url)>;
 // Replaces the loader; an empty function removes it.
-void setURLLoader(URLLoader loader);
+PV_EXPORT void setURLLoader(URLLoader loader);
 
 }  // namespace foundation

@@ -11,7 +11,7 @@ using NSTimeInterval = double;
 // Seconds from 1970-01-01 to 2001-01-01, both 00:00:00 UTC.
 inline constexpr NSTimeInterval NSTimeIntervalSince1970 = 978307200.0;
 
-class NSDate : public NSObject {
+class PV_EXPORT NSDate : public NSObject {
     OBJC_CLASS(NSDate)
 
     // An owned date at the given seconds since 2001-01-01 00:00:00 UTC.

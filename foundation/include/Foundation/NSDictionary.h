@@ -17,7 +17,7 @@
 
 class NSArray;
 
-class NSDictionary : public NSObject {
+class PV_EXPORT NSDictionary : public NSObject {
     OBJC_CLASS(NSDictionary)
 
     using Enumerator = objc::Block<void(id, id, bool*)>;
@@ -154,7 +154,7 @@ class NSDictionary : public NSObject {
     id imp_mutableCopyWithZone(void* zone) const;
 };
 
-class NSMutableDictionary : public NSDictionary {
+class PV_EXPORT NSMutableDictionary : public NSDictionary {
     OBJC_CLASS(NSMutableDictionary)
 
     static objc::Strong<NSMutableDictionary> create();

@@ -7,13 +7,13 @@
 
 class NSDictionary;
 
-extern NSString* const NSCocoaErrorDomain;
-extern NSString* const NSPOSIXErrorDomain;
+PV_EXPORT extern NSString* const NSCocoaErrorDomain;
+PV_EXPORT extern NSString* const NSPOSIXErrorDomain;
 // userInfo keys
-extern NSString* const NSLocalizedDescriptionKey;
-extern NSString* const NSLocalizedFailureReasonErrorKey;
-extern NSString* const NSUnderlyingErrorKey;
-extern NSString* const NSFilePathErrorKey;
+PV_EXPORT extern NSString* const NSLocalizedDescriptionKey;
+PV_EXPORT extern NSString* const NSLocalizedFailureReasonErrorKey;
+PV_EXPORT extern NSString* const NSUnderlyingErrorKey;
+PV_EXPORT extern NSString* const NSFilePathErrorKey;
 
 // Codes of NSCocoaErrorDomain, with the platform's values.
 inline constexpr NSInteger NSFileNoSuchFileError = 4;
@@ -25,7 +25,7 @@ inline constexpr NSInteger NSPropertyListReadUnknownVersionError = 3841;
 inline constexpr NSInteger NSPropertyListWriteStreamError = 3851;
 inline constexpr NSInteger NSPropertyListWriteInvalidError = 3852;
 
-class NSError : public NSObject {
+class PV_EXPORT NSError : public NSObject {
     OBJC_CLASS(NSError)
 
     // An autoreleased error; the details are copied.
@@ -77,5 +77,6 @@ class NSError : public NSObject {
 namespace foundation {
 // Stores the error through an NSError** out-parameter when the caller passed
 // one; the error is autoreleased, as the platform's are.
-void setError(NSError** out, NSString* domain, NSInteger code, const std::string& description);
+PV_EXPORT void setError(NSError** out, NSString* domain, NSInteger code,
+                        const std::string& description);
 }  // namespace foundation

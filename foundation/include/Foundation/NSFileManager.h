@@ -12,16 +12,16 @@ class NSDictionary;
 class NSError;
 
 // Keys and values of attributesOfItemAtPath:error:.
-extern NSString* const NSFileSize;              // NSNumber, bytes
-extern NSString* const NSFileType;              // one of the NSFileType... values
-extern NSString* const NSFileModificationDate;  // NSDate
-extern NSString* const NSFilePosixPermissions;  // NSNumber, mode bits
-extern NSString* const NSFileTypeDirectory;
-extern NSString* const NSFileTypeRegular;
-extern NSString* const NSFileTypeSymbolicLink;
-extern NSString* const NSFileTypeUnknown;
+PV_EXPORT extern NSString* const NSFileSize;              // NSNumber, bytes
+PV_EXPORT extern NSString* const NSFileType;              // one of the NSFileType... values
+PV_EXPORT extern NSString* const NSFileModificationDate;  // NSDate
+PV_EXPORT extern NSString* const NSFilePosixPermissions;  // NSNumber, mode bits
+PV_EXPORT extern NSString* const NSFileTypeDirectory;
+PV_EXPORT extern NSString* const NSFileTypeRegular;
+PV_EXPORT extern NSString* const NSFileTypeSymbolicLink;
+PV_EXPORT extern NSString* const NSFileTypeUnknown;
 
-class NSFileManager : public NSObject {
+class PV_EXPORT NSFileManager : public NSObject {
     OBJC_CLASS(NSFileManager)
 
     // The shared manager; it never dies.

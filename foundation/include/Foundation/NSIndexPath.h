@@ -9,7 +9,7 @@
 #include <span>
 #include <vector>
 
-class NSIndexPath : public NSObject {
+class PV_EXPORT NSIndexPath : public NSObject {
     OBJC_CLASS(NSIndexPath)
 
     // An owned path.

@@ -13,9 +13,9 @@ using NSKeyValueChange = NSUInteger;
 inline constexpr NSKeyValueChange NSKeyValueChangeSetting = 1;
 
 // Keys of the change dictionary.
-extern NSString* const NSKeyValueChangeKindKey;  // "kind": an NSNumber NSKeyValueChange
-extern NSString* const NSKeyValueChangeNewKey;   // "new"
-extern NSString* const NSKeyValueChangeOldKey;   // "old"
+PV_EXPORT extern NSString* const NSKeyValueChangeKindKey;  // "kind": an NSNumber NSKeyValueChange
+PV_EXPORT extern NSString* const NSKeyValueChangeNewKey;   // "new"
+PV_EXPORT extern NSString* const NSKeyValueChangeOldKey;   // "old"
 
 // The message observers receive:
 //   - (void)observeValueForKeyPath:(NSString*)keyPath ofObject:(id)object

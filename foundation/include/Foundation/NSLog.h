@@ -5,7 +5,7 @@
 
 namespace objc::detail {
 // Writes one line, stamped, in a single write so that threads do not interleave.
-void logMessage(std::string_view message);
+PV_EXPORT void logMessage(std::string_view message);
 }  // namespace objc::detail
 
 // NSLog(NSSTR("%@ items"), count). A C++ template: see StringFormat.h for why.

@@ -4,7 +4,7 @@
 #include <Foundation/StringFormat.h>
 #include <objc/string.h>
 
-class NSMutableString : public NSString {
+class PV_EXPORT NSMutableString : public NSString {
     OBJC_CLASS(NSMutableString)
 
     // An owned mutable string holding the UTF-8 text.

@@ -7,7 +7,7 @@
 class NSDictionary;
 using NSNotificationName = NSString*;
 
-class NSNotification : public NSObject {
+class PV_EXPORT NSNotification : public NSObject {
     OBJC_CLASS(NSNotification)
 
     // An owned notification; the name is copied, object and userInfo retained.

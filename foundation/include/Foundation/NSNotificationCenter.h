@@ -19,7 +19,7 @@
 
 class NSDictionary;
 
-class NSNotificationCenter : public NSObject {
+class PV_EXPORT NSNotificationCenter : public NSObject {
     OBJC_CLASS(NSNotificationCenter)
 
     using ObserverBlock = objc::Block<void(NSNotification*)>;

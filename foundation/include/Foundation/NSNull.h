@@ -3,7 +3,7 @@
 
 #include <objc/object.h>
 
-class NSNull : public NSObject {
+class PV_EXPORT NSNull : public NSObject {
     OBJC_CLASS(NSNull)
 
     // The one instance; it never dies.

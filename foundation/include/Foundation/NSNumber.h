@@ -8,7 +8,7 @@
 #include <concepts>
 #include <cstdint>
 
-class NSNumber : public NSObject {
+class PV_EXPORT NSNumber : public NSObject {
     OBJC_CLASS(NSNumber)
 
     // Autoreleased numbers (numberWithBool: answers one of two shared instances).

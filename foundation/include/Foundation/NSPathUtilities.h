@@ -22,12 +22,13 @@ inline constexpr NSSearchPathDomainMask NSSystemDomainMask = 8;
 inline constexpr NSSearchPathDomainMask NSAllDomainsMask = 0x0ffff;
 
 // The app's container, as configured (foundation::configureProcess), else HOME.
-NSString* NSHomeDirectory();
+PV_EXPORT NSString* NSHomeDirectory();
 // "<home>/tmp/" when the container has that folder (as on the device),
 // otherwise TMPDIR or "/tmp/"; always with a trailing slash.
-NSString* NSTemporaryDirectory();
+PV_EXPORT NSString* NSTemporaryDirectory();
 // The folders of a kind in the domains: for the user domain "<home>/Library",
 // "<home>/Documents", "<home>/Library/Caches", "<home>/Library/Application
 // Support"; "~/..." when expandTilde is false. Other domains have none.
-NSArray* NSSearchPathForDirectoriesInDomains(NSSearchPathDirectory directory,
-                                             NSSearchPathDomainMask domainMask, bool expandTilde);
+PV_EXPORT NSArray* NSSearchPathForDirectoriesInDomains(NSSearchPathDirectory directory,
+                                                       NSSearchPathDomainMask domainMask,
+                                                       bool expandTilde);

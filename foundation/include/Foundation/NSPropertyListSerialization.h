@@ -17,7 +17,7 @@ inline constexpr NSPropertyListReadOptions NSPropertyListImmutable = 0;
 inline constexpr NSPropertyListReadOptions NSPropertyListMutableContainers = 1;
 inline constexpr NSPropertyListReadOptions NSPropertyListMutableContainersAndLeaves = 2;
 
-class NSPropertyListSerialization : public NSObject {
+class PV_EXPORT NSPropertyListSerialization : public NSObject {
     OBJC_CLASS(NSPropertyListSerialization)
 
     // The encoded list (autoreleased), or nil with *error set when the object

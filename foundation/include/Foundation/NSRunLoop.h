@@ -20,10 +20,10 @@
 class NSDate;
 using NSTimeInterval = double;
 
-extern NSString* const NSDefaultRunLoopMode;
-extern NSString* const NSRunLoopCommonModes;
+PV_EXPORT extern NSString* const NSDefaultRunLoopMode;
+PV_EXPORT extern NSString* const NSRunLoopCommonModes;
 
-class NSRunLoop : public NSObject {
+class PV_EXPORT NSRunLoop : public NSObject {
     OBJC_CLASS(NSRunLoop)
 
     static NSRunLoop* mainRunLoop() {
@@ -74,13 +74,13 @@ namespace foundation {
 // to be empty, with nothing running and no due timer, so that work handed back
 // to the main queue by a background job runs before this returns. Timers not
 // yet due are not waited for. Main thread only; also ends on stopMainLoop().
-void runMainLoopUntilIdle(bool waitForBackgroundWork = true);
+PV_EXPORT void runMainLoopUntilIdle(bool waitForBackgroundWork = true);
 // As runMainLoopUntilIdle(true), but gives up waiting for the worker side at
 // the deadline: true when everything was idle by then, false when background
 // work was still going (or the loop was stopped).
-bool runMainLoopUntilIdle(std::chrono::steady_clock::time_point deadline);
+PV_EXPORT bool runMainLoopUntilIdle(std::chrono::steady_clock::time_point deadline);
 
 // Ends the running main loop (see above); callable from any thread.
-void stopMainLoop();
+PV_EXPORT void stopMainLoop();
 
 }  // namespace foundation

@@ -11,7 +11,7 @@
 
 using NSTimeInterval = double;
 
-class NSThread : public NSObject {
+class PV_EXPORT NSThread : public NSObject {
     OBJC_CLASS(NSThread)
 
     // +isMainThread: whether the calling thread is the main thread.
@@ -55,8 +55,8 @@ class NSThread : public NSObject {
 
 namespace foundation {
 // Whether the calling thread is the main thread, asked without a message.
-bool isMainThread() noexcept;
+PV_EXPORT bool isMainThread() noexcept;
 }  // namespace foundation
 
 // 1 on the main thread, 0 elsewhere, as the BSD call answers.
-extern "C" int pthread_main_np();
+extern "C" PV_EXPORT int pthread_main_np();

@@ -8,7 +8,7 @@
 
 class NSNumber;
 
-class NSURL : public NSObject {
+class PV_EXPORT NSURL : public NSObject {
     OBJC_CLASS(NSURL)
 
     // nil when the text is not a valid URL (empty, spaces, a bad port...).

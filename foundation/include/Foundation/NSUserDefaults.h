@@ -31,7 +31,7 @@ class DefaultsStore;
 class DefaultsFile;
 }  // namespace foundation::detail
 
-class NSUserDefaults : public NSObject {
+class PV_EXPORT NSUserDefaults : public NSObject {
     OBJC_CLASS(NSUserDefaults)
 
     // The process's defaults, created on first use from processEnvironment():

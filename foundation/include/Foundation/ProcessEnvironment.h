@@ -2,12 +2,14 @@
 // library: its container, its main bundle and the user's languages.
 #pragma once
 
+#include <objc/export.h>
+
 #include <string>
 #include <vector>
 
 namespace foundation {
 
-struct ProcessEnvironment {
+struct PV_EXPORT ProcessEnvironment {
     // The app's container: NSHomeDirectory(). Empty: the HOME variable.
     std::string homeDirectory;
     // The main bundle's folder. Empty: the executable's folder.
@@ -20,9 +22,9 @@ struct ProcessEnvironment {
 // Replaces the process's settings; empty fields take their defaults. Call it
 // before the first use of the settings: references that earlier readers got
 // stay valid but keep the old values.
-void configureProcess(ProcessEnvironment environment);
+PV_EXPORT void configureProcess(ProcessEnvironment environment);
 
 // The current settings, with every default filled in. Safe from any thread.
-const ProcessEnvironment& processEnvironment();
+PV_EXPORT const ProcessEnvironment& processEnvironment();
 
 }  // namespace foundation

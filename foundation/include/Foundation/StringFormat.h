@@ -24,7 +24,7 @@ namespace objc {
 namespace detail {
 
 // One argument, with its kind.
-struct FormatArg {
+struct PV_EXPORT FormatArg {
     enum class Kind : unsigned char { Object, Signed, Unsigned, Double, CString, Text, Pointer };
     Kind kind = Kind::Object;
     unsigned char size = 0;  // bytes of an integer argument, for %u/%x of a negative value
@@ -112,9 +112,9 @@ FormatArg formatArg(const T& value) {
 
 // The formatted text as UTF-8. Raises NSInvalidArgumentException when the
 // format asks for more arguments than it was given.
-std::string formatToUtf8(std::string_view format, std::span<const FormatArg> args);
+PV_EXPORT std::string formatToUtf8(std::string_view format, std::span<const FormatArg> args);
 // An autoreleased NSString; nil format answers nil.
-NSString* formatToString(NSString* format, std::span<const FormatArg> args);
+PV_EXPORT NSString* formatToString(NSString* format, std::span<const FormatArg> args);
 
 }  // namespace detail
 

@@ -1,6 +1,8 @@
 // Localised string tables: the ".strings" files of "<lang>.lproj" folders.
 #pragma once
 
+#include <objc/export.h>
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,6 +20,6 @@ using StringsTable = std::unordered_map<std::u16string, std::u16string>;
 // allowed), or a property-list dictionary of strings (XML or binary), as
 // compiled tables are. Malformed input answers nothing; a later entry for a
 // key replaces an earlier one.
-std::optional<StringsTable> parseStringsTable(std::string_view bytes);
+PV_EXPORT std::optional<StringsTable> parseStringsTable(std::string_view bytes);
 
 }  // namespace foundation

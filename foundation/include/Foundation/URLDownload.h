@@ -19,7 +19,7 @@
 
 namespace foundation {
 
-struct DownloadLimits {
+struct PV_EXPORT DownloadLimits {
     std::chrono::milliseconds connectTimeout{10'000};
     std::chrono::milliseconds totalTimeout{30'000};
     std::size_t maxBytes = 32 * 1024 * 1024;
@@ -28,11 +28,11 @@ struct DownloadLimits {
 
 // The whole body of an http or https URL; nullopt on failure or for any
 // other scheme.
-std::optional<std::vector<std::uint8_t>> downloadURL(const std::string& url,
-                                                     const DownloadLimits& limits = {});
+PV_EXPORT std::optional<std::vector<std::uint8_t>> downloadURL(const std::string& url,
+                                                               const DownloadLimits& limits = {});
 
 // A loader for setURLLoader that downloads with these limits. It is the
 // loader installed when the process starts (with the default limits).
-URLLoader httpURLLoader(DownloadLimits limits = {});
+PV_EXPORT URLLoader httpURLLoader(DownloadLimits limits = {});
 
 }  // namespace foundation

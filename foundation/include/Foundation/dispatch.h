@@ -36,7 +36,7 @@ using dispatch_once_t = long;
 
 struct dispatch_queue_attr_s;
 using dispatch_queue_attr_t = const dispatch_queue_attr_s*;
-extern const dispatch_queue_attr_s dispatch_queue_attr_concurrent;
+PV_EXPORT extern const dispatch_queue_attr_s dispatch_queue_attr_concurrent;
 
 #define DISPATCH_QUEUE_SERIAL nullptr
 #define DISPATCH_QUEUE_CONCURRENT (&dispatch_queue_attr_concurrent)
@@ -67,52 +67,55 @@ inline constexpr std::uint64_t USEC_PER_SEC = 1000000ull;
 
 // Queues
 // The queue drained by the main thread's run loop.
-dispatch_queue_t dispatch_get_main_queue();
+PV_EXPORT dispatch_queue_t dispatch_get_main_queue();
 // One of the four process-wide concurrent queues; an unknown identifier
 // answers the default queue. flags must be 0.
-dispatch_queue_t dispatch_get_global_queue(long identifier, unsigned long flags);
+PV_EXPORT dispatch_queue_t dispatch_get_global_queue(long identifier, unsigned long flags);
 // A new serial (attr DISPATCH_QUEUE_SERIAL) or concurrent queue, owned by the
 // caller. The label is copied; it may be null.
-dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t attr);
-const char* dispatch_queue_get_label(dispatch_queue_t queue);
+PV_EXPORT dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t attr);
+PV_EXPORT const char* dispatch_queue_get_label(dispatch_queue_t queue);
 
-void dispatch_retain(dispatch_queue_t queue);
-void dispatch_release(dispatch_queue_t queue);
-void dispatch_retain(dispatch_group_t group);
-void dispatch_release(dispatch_group_t group);
+PV_EXPORT void dispatch_retain(dispatch_queue_t queue);
+PV_EXPORT void dispatch_release(dispatch_queue_t queue);
+PV_EXPORT void dispatch_retain(dispatch_group_t group);
+PV_EXPORT void dispatch_release(dispatch_group_t group);
 
 // Runs the block later on the queue; the queue holds the block until it has run.
-void dispatch_async(dispatch_queue_t queue, dispatch_block_t block);
+PV_EXPORT void dispatch_async(dispatch_queue_t queue, dispatch_block_t block);
 // Runs the block on the queue and waits for it. Concurrent queues run it on
 // the calling thread at once; a serial queue runs it on the calling thread
 // once the work queued before it is done; the main queue runs it on the main
 // thread. Sync to a queue the calling thread is already running (or to the
 // main queue from the main thread) would deadlock and raises
 // NSInternalInconsistencyException instead.
-void dispatch_sync(dispatch_queue_t queue, dispatch_block_t block);
+PV_EXPORT void dispatch_sync(dispatch_queue_t queue, dispatch_block_t block);
 // Puts the block on the queue once `when` has come.
-void dispatch_after(dispatch_time_t when, dispatch_queue_t queue, dispatch_block_t block);
+PV_EXPORT void dispatch_after(dispatch_time_t when, dispatch_queue_t queue, dispatch_block_t block);
 // `when` (DISPATCH_TIME_NOW or an earlier result) moved by delta nanoseconds.
-dispatch_time_t dispatch_time(dispatch_time_t when, std::int64_t delta);
+PV_EXPORT dispatch_time_t dispatch_time(dispatch_time_t when, std::int64_t delta);
 
 // Runs the function exactly once per predicate, however many threads arrive
 // together; the others wait until it has returned. If it throws, the predicate
 // stays unset and the exception reaches the caller.
-void dispatch_once_f(dispatch_once_t* predicate, void* context, dispatch_function_t function);
-void dispatch_once(dispatch_once_t* predicate, dispatch_block_t block);
+PV_EXPORT void dispatch_once_f(dispatch_once_t* predicate, void* context,
+                               dispatch_function_t function);
+PV_EXPORT void dispatch_once(dispatch_once_t* predicate, dispatch_block_t block);
 
 // Groups: a count of unfinished work; notify blocks run when it drops to zero.
-dispatch_group_t dispatch_group_create();
-void dispatch_group_enter(dispatch_group_t group);
-void dispatch_group_leave(dispatch_group_t group);
-void dispatch_group_async(dispatch_group_t group, dispatch_queue_t queue, dispatch_block_t block);
-void dispatch_group_notify(dispatch_group_t group, dispatch_queue_t queue, dispatch_block_t block);
+PV_EXPORT dispatch_group_t dispatch_group_create();
+PV_EXPORT void dispatch_group_enter(dispatch_group_t group);
+PV_EXPORT void dispatch_group_leave(dispatch_group_t group);
+PV_EXPORT void dispatch_group_async(dispatch_group_t group, dispatch_queue_t queue,
+                                    dispatch_block_t block);
+PV_EXPORT void dispatch_group_notify(dispatch_group_t group, dispatch_queue_t queue,
+                                     dispatch_block_t block);
 // 0 once the group is empty, non-zero when the timeout came first.
-long dispatch_group_wait(dispatch_group_t group, dispatch_time_t timeout);
+PV_EXPORT long dispatch_group_wait(dispatch_group_t group, dispatch_time_t timeout);
 
 namespace foundation {
 // How many worker threads run global and created queues' work at once.
-std::size_t dispatchWorkerLimit() noexcept;
+PV_EXPORT std::size_t dispatchWorkerLimit() noexcept;
 }  // namespace foundation
 
 // C++ conveniences: the same calls with any callable (copied into a block).

@@ -18,35 +18,36 @@ using CFArrayRef = NSArray*;
 using Boolean = bool;
 
 // Tag classes.
-extern NSString* const kUTTagClassFilenameExtension;  // "public.filename-extension"
-extern NSString* const kUTTagClassMIMEType;           // "public.mime-type"
-extern NSString* const kUTTagClassNSPboardType;       // "com.apple.nspboard-type"
-extern NSString* const kUTTagClassOSType;             // "com.apple.ostype"
+PV_EXPORT extern NSString* const kUTTagClassFilenameExtension;  // "public.filename-extension"
+PV_EXPORT extern NSString* const kUTTagClassMIMEType;           // "public.mime-type"
+PV_EXPORT extern NSString* const kUTTagClassNSPboardType;       // "com.apple.nspboard-type"
+PV_EXPORT extern NSString* const kUTTagClassOSType;             // "com.apple.ostype"
 
 // The preferred identifier for a tag: extensions without a leading dot, in
 // any case; MIME types in any case, parameters ignored. With
 // inConformingToUTI, only a type conforming to it will do; when none does
 // the answer is a dynamic identifier made to conform to it.
-CFStringRef UTTypeCreatePreferredIdentifierForTag(CFStringRef inTagClass, CFStringRef inTag,
-                                                  CFStringRef inConformingToUTI);
+PV_EXPORT CFStringRef UTTypeCreatePreferredIdentifierForTag(CFStringRef inTagClass,
+                                                            CFStringRef inTag,
+                                                            CFStringRef inConformingToUTI);
 // Every type carrying the tag, preferred first (a dynamic identifier when
 // none does).
-CFArrayRef UTTypeCreateAllIdentifiersForTag(CFStringRef inTagClass, CFStringRef inTag,
-                                            CFStringRef inConformingToUTI);
+PV_EXPORT CFArrayRef UTTypeCreateAllIdentifiersForTag(CFStringRef inTagClass, CFStringRef inTag,
+                                                      CFStringRef inConformingToUTI);
 
 // The preferred tag of a class (an extension, a MIME type); nil when the
 // type has none.
-CFStringRef UTTypeCopyPreferredTagWithClass(CFStringRef inUTI, CFStringRef inTagClass);
+PV_EXPORT CFStringRef UTTypeCopyPreferredTagWithClass(CFStringRef inUTI, CFStringRef inTagClass);
 // Every tag of the class, preferred first; nil when there is none.
-CFArrayRef UTTypeCopyAllTagsWithClass(CFStringRef inUTI, CFStringRef inTagClass);
+PV_EXPORT CFArrayRef UTTypeCopyAllTagsWithClass(CFStringRef inUTI, CFStringRef inTagClass);
 
-Boolean UTTypeEqual(CFStringRef inUTI1, CFStringRef inUTI2);
+PV_EXPORT Boolean UTTypeEqual(CFStringRef inUTI1, CFStringRef inUTI2);
 // Reflexive and transitive over the conformance graph. Every file type,
 // dynamic ones included, conforms to public.data and public.item.
-Boolean UTTypeConformsTo(CFStringRef inUTI, CFStringRef inConformsToUTI);
+PV_EXPORT Boolean UTTypeConformsTo(CFStringRef inUTI, CFStringRef inConformsToUTI);
 
 // A short description for people ("JPEG image"); nil for an unknown type.
-CFStringRef UTTypeCopyDescription(CFStringRef inUTI);
+PV_EXPORT CFStringRef UTTypeCopyDescription(CFStringRef inUTI);
 // Whether the system declares the type (dynamic identifiers are not declared).
-Boolean UTTypeIsDeclared(CFStringRef inUTI);
-Boolean UTTypeIsDynamic(CFStringRef inUTI);
+PV_EXPORT Boolean UTTypeIsDeclared(CFStringRef inUTI);
+PV_EXPORT Boolean UTTypeIsDynamic(CFStringRef inUTI);

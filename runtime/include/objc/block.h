@@ -8,7 +8,7 @@
 
 namespace objc {
 
-class BlockBase : public NSObject {
+class PV_EXPORT BlockBase : public NSObject {
     OBJC_CLASS(BlockBase)
 
     BlockBase() = default;
@@ -40,7 +40,7 @@ Strong<Block<Signature>> makeBlock(F&& fn) {
     return Strong<Block<Signature>>::adopt(block.release());
 }
 
-[[noreturn]] void blockSignatureMismatch();
+[[noreturn]] PV_EXPORT void blockSignatureMismatch();
 
 // A block received as an object, checked against the signature it is called with.
 template <class Signature>

@@ -44,15 +44,19 @@ id allocateInstance(Class cls) {
 
 // Creates the class and its metaclass under the name; methods are added
 // before the class is published for lookup by name.
-Class createClass(const char* name, Class superclass, Allocator allocator);
-void publishClass(Class cls);
+PV_EXPORT Class createClass(const char* name, Class superclass, Allocator allocator);
+PV_EXPORT void publishClass(Class cls);
+// The class of that name when another image (a second copy of a library)
+// has already defined it: as on the platform, the first one is used and the
+// duplicate is reported. Null otherwise.
+PV_EXPORT Class classOfAnotherImage(const char* name, Allocator allocator);
 
-struct IvarAccess {
+struct PV_EXPORT IvarAccess {
     void* (*address)(id self);
     id (*readObject)(void* slot);               // null for scalar ivars
     void (*writeObject)(void* slot, id value);  // null for scalar ivars
 };
-void addIvar(Class cls, const char* name, const char* types, IvarAccess access);
+PV_EXPORT void addIvar(Class cls, const char* name, const char* types, IvarAccess access);
 
 template <auto Fn>
 struct MemberThunk;
@@ -168,6 +172,7 @@ namespace detail {
 template <class T, class Super>
 Class defineClass(const char* name) {
     static_assert(std::is_base_of_v<Super, T>, "a class derives from its superclass");
+    if (const Class first = classOfAnotherImage(name, &allocateInstance<T>)) return first;
     const Class cls = createClass(name, Super::objcClass(), &allocateInstance<T>);
     ClassBuilder<T> builder(cls);
     T::objcDefine(builder);
@@ -176,6 +181,7 @@ Class defineClass(const char* name) {
 }
 template <class T>
 Class defineRootClass(const char* name) {
+    if (const Class first = classOfAnotherImage(name, &allocateInstance<T>)) return first;
     const Class cls = createClass(name, nullptr, &allocateInstance<T>);
     ClassBuilder<T> builder(cls);
     T::objcDefine(builder);

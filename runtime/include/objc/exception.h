@@ -1,12 +1,14 @@
 // The platform's exceptions, as C++ exceptions: a name and a reason.
 #pragma once
 
+#include <objc/export.h>
+
 #include <stdexcept>
 #include <string>
 
 namespace objc {
 
-class Exception : public std::runtime_error {
+class PV_EXPORT Exception : public std::runtime_error {
   public:
     Exception(std::string name, const std::string& reason)
         : std::runtime_error(reason), name_(std::move(name)) {}
@@ -22,6 +24,6 @@ inline constexpr const char* kInternalInconsistencyException = "NSInternalIncons
 inline constexpr const char* kRangeException = "NSRangeException";
 inline constexpr const char* kUnknownKeyException = "NSUnknownKeyException";
 
-[[noreturn]] void raise(const char* name, const std::string& reason);
+[[noreturn]] PV_EXPORT void raise(const char* name, const std::string& reason);
 
 }  // namespace objc

@@ -6,25 +6,25 @@
 
 using CGFloat = double;
 
-struct CGPoint {
+struct PV_EXPORT CGPoint {
     CGFloat x;
     CGFloat y;
     friend constexpr bool operator==(const CGPoint&, const CGPoint&) = default;
 };
 
-struct CGSize {
+struct PV_EXPORT CGSize {
     CGFloat width;
     CGFloat height;
     friend constexpr bool operator==(const CGSize&, const CGSize&) = default;
 };
 
-struct CGRect {
+struct PV_EXPORT CGRect {
     CGPoint origin;
     CGSize size;
     friend constexpr bool operator==(const CGRect&, const CGRect&) = default;
 };
 
-struct NSRange {
+struct PV_EXPORT NSRange {
     NSUInteger location;
     NSUInteger length;
     friend constexpr bool operator==(const NSRange&, const NSRange&) = default;

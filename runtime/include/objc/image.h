@@ -10,7 +10,7 @@ namespace objc {
 using ClassFunction = Class (*)() noexcept;
 
 // Methods added to an existing class, looked up by name when the image loads.
-struct Category {
+struct PV_EXPORT Category {
     const char* className;
     const char* name;
     void (*attach)(Class cls);
@@ -21,8 +21,8 @@ struct Category {
 // categories, then runs +load once for every class of the list that defines
 // one itself (superclasses first), then for the categories, in list order.
 // Call it once from the image's initialiser.
-void loadImage(std::initializer_list<ClassFunction> classes,
-               std::initializer_list<Category> categories = {});
+PV_EXPORT void loadImage(std::initializer_list<ClassFunction> classes,
+                         std::initializer_list<Category> categories = {});
 
 }  // namespace objc
 

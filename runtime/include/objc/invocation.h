@@ -10,7 +10,7 @@
 
 #include <ffi.h>
 
-class NSMethodSignature : public NSObject {
+class PV_EXPORT NSMethodSignature : public NSObject {
     OBJC_CLASS(NSMethodSignature)
 
     // Autoreleased; throws objc::EncodingError on a malformed encoding.
@@ -59,7 +59,7 @@ class NSMethodSignature : public NSObject {
     ffi_cif cif_{};
 };
 
-class NSInvocation : public NSObject {
+class PV_EXPORT NSInvocation : public NSObject {
     OBJC_CLASS(NSInvocation)
 
     // Autoreleased, with every argument and the result zeroed.

@@ -23,13 +23,13 @@ struct SelectorName {
 // One cache slot. A filled slot keeps its selector and method for the life of
 // the table; only the implementation is updated in place, so a reader that
 // matched the selector always reads an implementation of that method.
-struct CacheEntry {
+struct PV_EXPORT CacheEntry {
     std::atomic<SEL> sel{nullptr};
     std::atomic<IMP> imp{nullptr};
     Method method = nullptr;
 };
 
-struct Cache {
+struct PV_EXPORT Cache {
     std::uint32_t mask = 0;  // capacity - 1; capacity is a power of two
     std::uint32_t occupied = 0;
     CacheEntry* entries = nullptr;
@@ -56,13 +56,14 @@ inline IMP cacheLookup(Class cls, SEL sel) noexcept {
 
 // Slow path: finds the method in the class or a superclass and caches it.
 // Answers null when no class in the chain implements the selector.
-IMP lookupAndCache(Class cls, SEL sel);
+PV_EXPORT IMP lookupAndCache(Class cls, SEL sel);
 
 // Hands a message that nobody implements to the receiver's forwarding
 // machinery, with the call's own arguments described by their encodings.
-void forwardMessage(id self, SEL sel, const void* const* args, const char* const* argTypes,
-                    const std::size_t* argSizes, std::size_t argCount, void* ret,
-                    const char* retType, std::size_t retSize);
+PV_EXPORT void forwardMessage(id self, SEL sel, const void* const* args,
+                              const char* const* argTypes, const std::size_t* argSizes,
+                              std::size_t argCount, void* ret, const char* retType,
+                              std::size_t retSize);
 
 template <class R, class... A>
 R forward(id self, SEL sel, A... args) {

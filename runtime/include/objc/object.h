@@ -10,7 +10,7 @@ class NSString;
 class NSMethodSignature;
 class NSInvocation;
 
-class NSObject : public objc_object {
+class PV_EXPORT NSObject : public objc_object {
     OBJC_CLASS(NSObject)
 
     // Typed wrappers: each sends its message.
@@ -68,7 +68,7 @@ T* alloc() {
 }
 
 // Whether obj is an instance of cls or of a subclass, asked without a message.
-bool isKindOf(id obj, Class cls) noexcept;
+PV_EXPORT bool isKindOf(id obj, Class cls) noexcept;
 
 // A checked downcast: null when obj is not kind of T.
 template <class T>
@@ -78,10 +78,10 @@ T* cast(id obj) noexcept {
 
 // The scalar boxing that key-value coding needs comes from Foundation's
 // NSNumber; the runtime only knows objects.
-struct ScalarBoxing {
+struct PV_EXPORT ScalarBoxing {
     id (*box)(const void* value, const char* type);        // autoreleased
     bool (*unbox)(id value, void* out, const char* type);  // false: cannot convert
 };
-void setScalarBoxing(ScalarBoxing boxing);
+PV_EXPORT void setScalarBoxing(ScalarBoxing boxing);
 
 }  // namespace objc

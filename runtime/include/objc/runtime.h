@@ -15,63 +15,65 @@ enum objc_AssociationPolicy : std::uintptr_t {
 };
 
 // Selectors
-SEL sel_registerName(const char* name);
-const char* sel_getName(SEL sel);
+PV_EXPORT SEL sel_registerName(const char* name);
+PV_EXPORT const char* sel_getName(SEL sel);
 
 // Classes
-Class objc_getClass(const char* name);
-Class objc_getMetaClass(const char* name);
-Class objc_allocateClassPair(Class superclass, const char* name, std::size_t extraBytes);
-void objc_registerClassPair(Class cls);
-const char* class_getName(Class cls);
-Class class_getSuperclass(Class cls);
-bool class_isMetaClass(Class cls);
-Method class_getInstanceMethod(Class cls, SEL sel);
-Method class_getClassMethod(Class cls, SEL sel);
-bool class_addMethod(Class cls, SEL sel, IMP imp, const char* types);
-IMP class_replaceMethod(Class cls, SEL sel, IMP imp, const char* types);
-IMP class_getMethodImplementation(Class cls, SEL sel);
-bool class_respondsToSelector(Class cls, SEL sel);
+PV_EXPORT Class objc_getClass(const char* name);
+PV_EXPORT Class objc_getMetaClass(const char* name);
+PV_EXPORT Class objc_allocateClassPair(Class superclass, const char* name, std::size_t extraBytes);
+PV_EXPORT void objc_registerClassPair(Class cls);
+PV_EXPORT const char* class_getName(Class cls);
+PV_EXPORT Class class_getSuperclass(Class cls);
+PV_EXPORT bool class_isMetaClass(Class cls);
+PV_EXPORT Method class_getInstanceMethod(Class cls, SEL sel);
+PV_EXPORT Method class_getClassMethod(Class cls, SEL sel);
+PV_EXPORT bool class_addMethod(Class cls, SEL sel, IMP imp, const char* types);
+PV_EXPORT IMP class_replaceMethod(Class cls, SEL sel, IMP imp, const char* types);
+PV_EXPORT IMP class_getMethodImplementation(Class cls, SEL sel);
+PV_EXPORT bool class_respondsToSelector(Class cls, SEL sel);
 // The methods the class itself defines, in the order they were added. The
 // caller owns nothing: the list is a copy, the methods belong to the class.
-Method* class_copyMethodList(Class cls, unsigned int* outCount);
-Ivar class_getInstanceVariable(Class cls, const char* name);
+PV_EXPORT Method* class_copyMethodList(Class cls, unsigned int* outCount);
+PV_EXPORT Ivar class_getInstanceVariable(Class cls, const char* name);
 
 // Methods
-SEL method_getName(Method m);
-IMP method_getImplementation(Method m);
-IMP method_setImplementation(Method m, IMP imp);
-void method_exchangeImplementations(Method m1, Method m2);
-const char* method_getTypeEncoding(Method m);
+PV_EXPORT SEL method_getName(Method m);
+PV_EXPORT IMP method_getImplementation(Method m);
+PV_EXPORT IMP method_setImplementation(Method m, IMP imp);
+PV_EXPORT void method_exchangeImplementations(Method m1, Method m2);
+PV_EXPORT const char* method_getTypeEncoding(Method m);
 
 // Instance variables
-const char* ivar_getName(Ivar v);
-const char* ivar_getTypeEncoding(Ivar v);
-id object_getIvar(id obj, Ivar v);
-void object_setIvar(id obj, Ivar v, id value);
+PV_EXPORT const char* ivar_getName(Ivar v);
+PV_EXPORT const char* ivar_getTypeEncoding(Ivar v);
+PV_EXPORT id object_getIvar(id obj, Ivar v);
+PV_EXPORT void object_setIvar(id obj, Ivar v, id value);
 
 // Objects
-Class object_getClass(id obj);
-const char* object_getClassName(id obj);
-id class_createInstance(Class cls, std::size_t extraBytes);
-id objc_retain(id obj);
-void objc_release(id obj);
-id objc_autorelease(id obj);
-std::uint32_t objc_retainCount(id obj);
-void* objc_autoreleasePoolPush();
-void objc_autoreleasePoolPop(void* token);
+PV_EXPORT Class object_getClass(id obj);
+PV_EXPORT const char* object_getClassName(id obj);
+PV_EXPORT id class_createInstance(Class cls, std::size_t extraBytes);
+PV_EXPORT id objc_retain(id obj);
+PV_EXPORT void objc_release(id obj);
+PV_EXPORT id objc_autorelease(id obj);
+PV_EXPORT std::uint32_t objc_retainCount(id obj);
+PV_EXPORT void* objc_autoreleasePoolPush();
+PV_EXPORT void objc_autoreleasePoolPop(void* token);
 
 // Associated objects
-void objc_setAssociatedObject(id object, const void* key, id value, objc_AssociationPolicy policy);
-id objc_getAssociatedObject(id object, const void* key);
-void objc_removeAssociatedObjects(id object);
+PV_EXPORT void objc_setAssociatedObject(id object, const void* key, id value,
+                                        objc_AssociationPolicy policy);
+PV_EXPORT id objc_getAssociatedObject(id object, const void* key);
+PV_EXPORT void objc_removeAssociatedObjects(id object);
 
 // Names
-Class NSClassFromString(NSString* name);
-NSString* NSStringFromClass(Class cls);
-NSString* NSStringFromSelector(SEL sel);
-SEL NSSelectorFromString(NSString* name);
+PV_EXPORT Class NSClassFromString(NSString* name);
+PV_EXPORT NSString* NSStringFromClass(Class cls);
+PV_EXPORT NSString* NSStringFromSelector(SEL sel);
+PV_EXPORT SEL NSSelectorFromString(NSString* name);
 
 // Size and alignment of the first type in an encoding; answers the position
 // after it. Throws objc::EncodingError on a malformed encoding.
-const char* NSGetSizeAndAlignment(const char* typePtr, NSUInteger* sizep, NSUInteger* alignp);
+PV_EXPORT const char* NSGetSizeAndAlignment(const char* typePtr, NSUInteger* sizep,
+                                            NSUInteger* alignp);

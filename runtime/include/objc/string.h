@@ -44,7 +44,7 @@ inline constexpr NSStringEncoding NSUTF16BigEndianStringEncoding = 0x90000100;
 inline constexpr NSStringEncoding NSUTF16LittleEndianStringEncoding = 0x94000100;
 // ---- end of Foundation's part --------------------------------------------
 
-class NSString : public NSObject {
+class PV_EXPORT NSString : public NSObject {
     OBJC_CLASS(NSString)
 
     // An owned string from UTF-8 text (invalid sequences become U+FFFD).
@@ -269,11 +269,11 @@ class NSString : public NSObject {
 
 namespace objc {
 
-std::u16string utf8ToUtf16(std::string_view utf8);
-std::string utf16ToUtf8(std::u16string_view units);
+PV_EXPORT std::u16string utf8ToUtf16(std::string_view utf8);
+PV_EXPORT std::string utf16ToUtf8(std::u16string_view units);
 
 // An immortal, interned string for a literal: what @"..." is on the platform.
-NSString* constantString(const char* literal);
+PV_EXPORT NSString* constantString(const char* literal);
 
 }  // namespace objc
 

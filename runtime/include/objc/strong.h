@@ -75,7 +75,7 @@ Strong<T> retained(T* p) noexcept {
 }
 
 // Releases, at the end of its scope, every object autoreleased within it.
-class AutoreleasePool {
+class PV_EXPORT AutoreleasePool {
   public:
     AutoreleasePool() : token_(objc_autoreleasePoolPush()) {}
     ~AutoreleasePool() { objc_autoreleasePoolPop(token_); }

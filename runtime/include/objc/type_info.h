@@ -19,7 +19,7 @@ namespace objc {
 
 // A malformed encoding. The message quotes the encoding and says what is wrong
 // and where.
-class EncodingError : public std::invalid_argument {
+class PV_EXPORT EncodingError : public std::invalid_argument {
   public:
     EncodingError(std::string_view encoding, const std::string& problem);
     const std::string& encoding() const noexcept { return encoding_; }
@@ -34,7 +34,7 @@ class Parser;
 }  // namespace detail
 
 // One parsed type.
-struct TypeInfo {
+struct PV_EXPORT TypeInfo {
     enum class Kind : std::uint8_t {
         Void,              // v
         Char,              // c
@@ -116,15 +116,16 @@ struct TypeInfo {
 // Consumes one type from the front of `cursor`: its qualifiers, the type, and
 // any offset digits after it. Throws EncodingError on malformed input, leaving
 // `cursor` untouched. Never reads outside the view.
-TypeInfo parseType(std::string_view& cursor);
+PV_EXPORT TypeInfo parseType(std::string_view& cursor);
 
 // The result type followed by each argument type (for a method, index 1 is the
 // receiver and index 2 the selector). Counts are the caller's to check.
-std::vector<TypeInfo> parseMethodEncoding(std::string_view types);
+PV_EXPORT std::vector<TypeInfo> parseMethodEncoding(std::string_view types);
 
 // parseMethodEncoding through a process-wide cache, for encodings parsed again
 // on every forwarded message.
-std::shared_ptr<const std::vector<TypeInfo>> parseMethodEncodingCached(std::string_view types);
+PV_EXPORT std::shared_ptr<const std::vector<TypeInfo>> parseMethodEncodingCached(
+    std::string_view types);
 
 }  // namespace objc
 
@@ -132,4 +133,5 @@ std::shared_ptr<const std::vector<TypeInfo>> parseMethodEncodingCached(std::stri
 // position after it and its offset digits. Either out-pointer may be null.
 // A malformed encoding throws objc::EncodingError, the runtime's
 // invalid-argument exception.
-const char* NSGetSizeAndAlignment(const char* typePtr, NSUInteger* sizep, NSUInteger* alignp);
+PV_EXPORT const char* NSGetSizeAndAlignment(const char* typePtr, NSUInteger* sizep,
+                                            NSUInteger* alignp);

@@ -1,6 +1,8 @@
 // The runtime's basic types, named as the Objective-C runtime names them.
 #pragma once
 
+#include <objc/export.h>
+
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -35,7 +37,7 @@ struct ClassData;
 
 // Every object starts with these fields. The C++ destructor is virtual so
 // that the runtime can destroy any object through its base.
-struct objc_object {
+struct PV_EXPORT objc_object {
     objc_object() = default;
     objc_object(const objc_object&) = delete;
     objc_object& operator=(const objc_object&) = delete;
@@ -52,7 +54,7 @@ struct objc_object {
 };
 
 // A class is an object too: its isa is its metaclass.
-struct objc_class : objc_object {
+struct PV_EXPORT objc_class : objc_object {
     std::atomic<const objc::detail::Cache*> cache_;
     objc::detail::ClassData* data_ = nullptr;
     objc_class();
@@ -60,6 +62,6 @@ struct objc_class : objc_object {
 };
 
 // Selector: interned, compared by pointer.
-struct objc_selector {
+struct PV_EXPORT objc_selector {
     const char* name;
 };

@@ -124,38 +124,46 @@ TEST_F(LegacySettingsTest, ARebuildReplacesTheGlobalsAndReleasesTheOldSwitches) 
     EXPECT_TRUE(*gone);
 }
 
-// The library passes its set-up on to this instead of the host's own, which
-// starts from scratch.
+// While it lives, the host's set-up keeps the sections it built before: it
+// starts by emptying its list, and that one list ignores the request.
 class KeepingHost {
   public:
-    KeepingHost() : slot_(static_cast<IMP*>(in_host::librarySymbol(kSlot))) {
-        if (slot_ != nullptr) saved_ = std::exchange(*slot_, reinterpret_cast<IMP>(&keep));
+    explicit KeepingHost(NSMutableArray* sections) {
+        kept() = sections;
+        saved() = method_setImplementation(method(), reinterpret_cast<IMP>(&removeAll));
     }
     ~KeepingHost() {
-        if (slot_ != nullptr) *slot_ = saved_;
+        method_setImplementation(method(), saved());
+        kept() = nullptr;
     }
     KeepingHost(const KeepingHost&) = delete;
     KeepingHost& operator=(const KeepingHost&) = delete;
 
-    bool installed() const { return slot_ != nullptr; }
-
   private:
-    // parcelvane::hooks::original::setupTableView
-    static constexpr const char* kSlot = "_ZN10parcelvane5hooks8original14setupTableViewE";
-    static void keep(id, SEL) {}
-
-    IMP* slot_;
-    IMP saved_ = nullptr;
+    static Method method() {
+        return class_getInstanceMethod(NSMutableArray::objcClass(),
+                                       objc::sel<"removeAllObjects">());
+    }
+    static NSMutableArray*& kept() {
+        static NSMutableArray* list = nullptr;
+        return list;
+    }
+    static IMP& saved() {
+        static IMP imp = nullptr;
+        return imp;
+    }
+    static void removeAll(id self, SEL sel) {
+        if (self != kept()) objc::callImp<void>(saved(), self, sel);
+    }
 };
 
 TEST_F(SettingsScreenTest, ASecondBuildOnAKeptTableInsertsASecondSectionAtIndexOne) {
     open("9.0");
     WATableSection* const earlier = librarySection();
-    const KeepingHost host;
-    ASSERT_TRUE(host.installed());
+    const KeepingHost host(settings->sectionsArray());
     settings->setupTableView();
     const auto all = settings->sectionList();
-    ASSERT_EQ(all.size(), 5u);
+    ASSERT_EQ(all.size(), 8u);  // the four before, the host's three again, one more
     EXPECT_NE(all[1], earlier);
     EXPECT_EQ(all[1]->headerText()->utf8(), "Parcelvane");
     EXPECT_EQ(all[1]->rowList().size(), 2u);

@@ -4,7 +4,7 @@
 #include <objc/geometry.h>
 #include <objc/object.h>
 
-class CALayer : public NSObject {
+class PV_EXPORT CALayer : public NSObject {
     OBJC_CLASS(CALayer)
 
     static objc::Strong<CALayer> create() { return objc::make<CALayer>(); }

@@ -20,7 +20,7 @@ inline constexpr UIUserInterfaceIdiom UIUserInterfaceIdiomPad = 1;
 
 namespace uikit {
 
-struct DeviceProfile {
+struct PV_EXPORT DeviceProfile {
     std::string name;  // the marketing model name, "iPhone 6s"
     UIUserInterfaceIdiom idiom = UIUserInterfaceIdiomPhone;
     CGSize screenSize{};  // points, portrait
@@ -53,17 +53,17 @@ struct DeviceProfile {
 
 // Replaces the process's device; UIDevice and UIScreen answer from it from
 // then on. Safe from any thread.
-void configureDevice(DeviceProfile profile);
+PV_EXPORT void configureDevice(DeviceProfile profile);
 // A copy of the current device (the default profile until configured).
-DeviceProfile currentDeviceProfile();
+PV_EXPORT DeviceProfile currentDeviceProfile();
 
 // Whether a version string is well formed: one to three dot-separated
 // numbers ("9", "8.4", "7.1.2").
-bool isValidSystemVersion(std::string_view version);
+PV_EXPORT bool isValidSystemVersion(std::string_view version);
 // Compares dotted versions numerically, missing parts counting as 0:
 // negative, zero or positive as a is older, equal or newer than b.
-int compareSystemVersions(std::string_view a, std::string_view b);
+PV_EXPORT int compareSystemVersions(std::string_view a, std::string_view b);
 // The current device's system version is at least `version`.
-bool systemVersionAtLeast(std::string_view version);
+PV_EXPORT bool systemVersionAtLeast(std::string_view version);
 
 }  // namespace uikit

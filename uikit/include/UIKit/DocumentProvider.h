@@ -3,12 +3,14 @@
 // provider is a folder of the device; the device profile lists them.
 #pragma once
 
+#include <objc/export.h>
+
 #include <string>
 #include <vector>
 
 namespace uikit {
 
-struct DocumentProvider {
+struct PV_EXPORT DocumentProvider {
     std::string name;  // what the menu shows, "iCloud Drive"
     // The provider's folder. Empty: the standard place for a provider of
     // that name, defaultDocumentProviderFolder(name).
@@ -18,18 +20,18 @@ struct DocumentProvider {
 };
 
 // The providers a device has unless configured otherwise: iCloud Drive.
-std::vector<DocumentProvider> defaultDocumentProviders();
+PV_EXPORT std::vector<DocumentProvider> defaultDocumentProviders();
 
 // "<device>/DocumentProviders/<name>", where <device> is the folder that
 // holds the app's container (NSHomeDirectory()): beside the container, never
 // in it, as a provider's files are the user's and not the app's. The folder
 // follows the configured container.
-std::string defaultDocumentProviderFolder(const std::string& name);
+PV_EXPORT std::string defaultDocumentProviderFolder(const std::string& name);
 
 // The provider's folder, the default one when it names none.
-std::string documentProviderFolder(const DocumentProvider& provider);
+PV_EXPORT std::string documentProviderFolder(const DocumentProvider& provider);
 
 // The current device's providers (DeviceProfile::documentProviders).
-std::vector<DocumentProvider> currentDocumentProviders();
+PV_EXPORT std::vector<DocumentProvider> currentDocumentProviders();
 
 }  // namespace uikit

@@ -24,7 +24,7 @@ inline constexpr UIAlertViewStyle UIAlertViewStyleSecureTextInput = 1;
 inline constexpr UIAlertViewStyle UIAlertViewStylePlainTextInput = 2;
 inline constexpr UIAlertViewStyle UIAlertViewStyleLoginAndPasswordInput = 3;
 
-class UIAlertView : public NSObject {
+class PV_EXPORT UIAlertView : public NSObject {
     OBJC_CLASS(UIAlertView)
 
     // initWithTitle:message:delegate:cancelButtonTitle:otherButtonTitles:,

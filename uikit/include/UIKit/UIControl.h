@@ -23,7 +23,7 @@ inline constexpr UIControlEvents UIControlEventAllTouchEvents = 0x00000FFF;
 inline constexpr UIControlEvents UIControlEventAllEditingEvents = 0x000F0000;
 inline constexpr UIControlEvents UIControlEventAllEvents = 0xFFFFFFFF;
 
-class UIControl : public UIView {
+class PV_EXPORT UIControl : public UIView {
     OBJC_CLASS(UIControl)
 
     // Registering the same target and action again adds the events to the

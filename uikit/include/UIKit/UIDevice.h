@@ -6,7 +6,7 @@
 #include <objc/object.h>
 #include <objc/string.h>
 
-class UIDevice : public NSObject {
+class PV_EXPORT UIDevice : public NSObject {
     OBJC_CLASS(UIDevice)
 
     // The one instance; it never dies.

@@ -29,7 +29,7 @@ using UIDocumentMenuOrder = NSUInteger;
 inline constexpr UIDocumentMenuOrder UIDocumentMenuOrderFirst = 0;
 inline constexpr UIDocumentMenuOrder UIDocumentMenuOrderLast = 1;
 
-class UIDocumentMenuViewController : public UIViewController {
+class PV_EXPORT UIDocumentMenuViewController : public UIViewController {
     OBJC_CLASS(UIDocumentMenuViewController)
 
     using Handler = objc::Block<void()>;

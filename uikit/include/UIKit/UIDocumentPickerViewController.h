@@ -20,7 +20,7 @@
 class NSArray;
 class NSURL;
 
-class UIDocumentPickerViewController : public UIViewController {
+class PV_EXPORT UIDocumentPickerViewController : public UIViewController {
     OBJC_CLASS(UIDocumentPickerViewController)
 
     // The types (strings, copied; nil is empty) and the mode. The picker

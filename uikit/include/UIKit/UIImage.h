@@ -16,7 +16,7 @@
 
 class NSData;
 
-class UIImage : public NSObject {
+class PV_EXPORT UIImage : public NSObject {
     OBJC_CLASS(UIImage)
 
     // An owned image from pixels: `rgba` holds width * height * 4 bytes
@@ -73,4 +73,4 @@ class UIImage : public NSObject {
 };
 
 // The image as PNG bytes (autoreleased), or nil for nil.
-NSData* UIImagePNGRepresentation(UIImage* image);
+PV_EXPORT NSData* UIImagePNGRepresentation(UIImage* image);

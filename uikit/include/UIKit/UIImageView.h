@@ -5,7 +5,7 @@
 #include <UIKit/UIImage.h>
 #include <UIKit/UIView.h>
 
-class UIImageView : public UIView {
+class PV_EXPORT UIImageView : public UIView {
     OBJC_CLASS(UIImageView)
 
     static objc::Strong<UIImageView> create(UIImage* image = nullptr) {

@@ -12,7 +12,7 @@ inline constexpr NSTextAlignment NSTextAlignmentRight = 2;
 inline constexpr NSTextAlignment NSTextAlignmentJustified = 3;
 inline constexpr NSTextAlignment NSTextAlignmentNatural = 4;
 
-class UILabel : public UIView {
+class PV_EXPORT UILabel : public UIView {
     OBJC_CLASS(UILabel)
 
     static objc::Strong<UILabel> create(CGRect frame = CGRectZero) {

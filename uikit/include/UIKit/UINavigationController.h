@@ -7,7 +7,7 @@
 
 #include <UIKit/UIViewController.h>
 
-class UINavigationController : public UIViewController {
+class PV_EXPORT UINavigationController : public UIViewController {
     OBJC_CLASS(UINavigationController)
 
     static objc::Strong<UINavigationController> create(UIViewController* root) {

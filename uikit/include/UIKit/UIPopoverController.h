@@ -20,7 +20,7 @@ inline constexpr UIPopoverArrowDirection UIPopoverArrowDirectionRight = 8;
 inline constexpr UIPopoverArrowDirection UIPopoverArrowDirectionAny = 15;
 inline constexpr UIPopoverArrowDirection UIPopoverArrowDirectionUnknown = ~0ul;
 
-class UIPopoverController : public NSObject {
+class PV_EXPORT UIPopoverController : public NSObject {
     OBJC_CLASS(UIPopoverController)
 
     // Before iOS 8 popovers exist on the iPad only: elsewhere this raises

@@ -3,7 +3,7 @@
 
 #include <objc/object.h>
 
-class UIResponder : public NSObject {
+class PV_EXPORT UIResponder : public NSObject {
     OBJC_CLASS(UIResponder)
 
     // The next object up the chain: a view's controller or superview, a

@@ -6,7 +6,7 @@
 #include <objc/geometry.h>
 #include <objc/object.h>
 
-class UIScreen : public NSObject {
+class PV_EXPORT UIScreen : public NSObject {
     OBJC_CLASS(UIScreen)
 
     // The one instance; it never dies.

@@ -5,7 +5,7 @@
 
 #include <UIKit/UIControl.h>
 
-class UISwitch : public UIControl {
+class PV_EXPORT UISwitch : public UIControl {
     OBJC_CLASS(UISwitch)
 
     // An owned switch, off, at the platform's size (+new does the same).

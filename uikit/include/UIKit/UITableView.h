@@ -41,7 +41,7 @@ inline constexpr UITableViewRowAnimation UITableViewRowAnimationFade = 0;
 inline constexpr UITableViewRowAnimation UITableViewRowAnimationNone = 5;
 inline constexpr UITableViewRowAnimation UITableViewRowAnimationAutomatic = 100;
 
-class UITableView : public UIView {
+class PV_EXPORT UITableView : public UIView {
     OBJC_CLASS(UITableView)
 
     static objc::Strong<UITableView> create(CGRect frame = CGRectZero,

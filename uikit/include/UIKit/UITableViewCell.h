@@ -30,7 +30,7 @@ inline constexpr UITableViewCellSelectionStyle UITableViewCellSelectionStyleBlue
 inline constexpr UITableViewCellSelectionStyle UITableViewCellSelectionStyleGray = 2;
 inline constexpr UITableViewCellSelectionStyle UITableViewCellSelectionStyleDefault = 3;
 
-class UITableViewCell : public UIView {
+class PV_EXPORT UITableViewCell : public UIView {
     OBJC_CLASS(UITableViewCell)
 
     static objc::Strong<UITableViewCell> create(UITableViewCellStyle style,

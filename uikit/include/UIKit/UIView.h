@@ -29,7 +29,7 @@ inline constexpr UIAccessibilityTraits UIAccessibilityTraitImage = 1 << 2;
 inline constexpr UIAccessibilityTraits UIAccessibilityTraitSelected = 1 << 3;
 inline constexpr UIAccessibilityTraits UIAccessibilityTraitStaticText = 1 << 6;
 
-class UIView : public UIResponder {
+class PV_EXPORT UIView : public UIResponder {
     OBJC_CLASS(UIView)
 
     // An owned view with the frame, for C++ callers.

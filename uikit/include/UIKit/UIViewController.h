@@ -35,7 +35,7 @@ inline constexpr UIModalPresentationStyle UIModalPresentationOverCurrentContext 
 inline constexpr UIModalPresentationStyle UIModalPresentationPopover = 7;
 inline constexpr UIModalPresentationStyle UIModalPresentationNone = -1;
 
-class UIViewController : public UIResponder {
+class PV_EXPORT UIViewController : public UIResponder {
     OBJC_CLASS(UIViewController)
 
     using Completion = objc::Block<void()>;

@@ -7,7 +7,7 @@
 
 class UIViewController;
 
-class UIWindow : public UIView {
+class PV_EXPORT UIWindow : public UIView {
     OBJC_CLASS(UIWindow)
 
     // A new window the size of the screen, hidden, owned by the caller.
