@@ -233,6 +233,15 @@ class Formatter {
         out.append(big);
     }
 
+    // A double given to an integer conversion, saturated: out of range, the
+    // plain conversion is undefined.
+    static long long integerOf(double d) {
+        if (std::isnan(d)) return 0;
+        if (d >= 0x1p63) return std::numeric_limits<long long>::max();
+        if (d < -0x1p63) return std::numeric_limits<long long>::min();
+        return static_cast<long long>(d);
+    }
+
     static long long objectInteger(id object) {
         if (object == nullptr) return 0;
         if (msgSend<bool>(object, sel<"respondsToSelector:">(), sel<"longLongValue">())) {
@@ -269,7 +278,7 @@ class Formatter {
                 print(out, cSpec(spec, "ll", 'd'), a.i);
                 return;
             case Kind::Double:
-                print(out, cSpec(spec, "ll", 'd'), static_cast<long long>(a.d));
+                print(out, cSpec(spec, "ll", 'd'), integerOf(a.d));
                 return;
             case Kind::Object:
                 print(out, cSpec(spec, "ll", 'd'), objectInteger(a.object));
@@ -296,7 +305,7 @@ class Formatter {
                 }
                 break;
             case Kind::Double:
-                value = static_cast<unsigned long long>(static_cast<long long>(a.d));
+                value = static_cast<unsigned long long>(integerOf(a.d));
                 break;
             case Kind::Object:
                 value = static_cast<unsigned long long>(objectInteger(a.object));
@@ -356,7 +365,7 @@ class Formatter {
         long long v = 0;
         if (a.kind == Kind::Signed) v = a.i;
         if (a.kind == Kind::Unsigned) v = static_cast<long long>(a.u);
-        if (a.kind == Kind::Double) v = static_cast<long long>(a.d);
+        if (a.kind == Kind::Double) v = integerOf(a.d);
         // %c prints one byte's character; %C a UTF-16 unit; both as UTF-8 here.
         const char32_t c = spec.conversion == 'c' ? static_cast<unsigned char>(v)
                                                   : static_cast<char32_t>(v & 0x1FFFFF);

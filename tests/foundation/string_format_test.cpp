@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cmath>
 #include <cstdint>
 
 namespace {
@@ -36,6 +37,8 @@ TEST_F(StringFormatTest, Integers) {
     EXPECT_EQ(fmt("%d", 5000000000LL), "5000000000");
     EXPECT_EQ(fmt("%d %d", true, false), "1 0");
     EXPECT_EQ(fmt("%c%c%C", 'o', 'k', u'é'), "oké");
+    // A double out of an integer's range saturates instead of being undefined.
+    EXPECT_EQ(fmt("%d %d %d", 1e308, -1e308, NAN), "9223372036854775807 -9223372036854775808 0");
 }
 
 TEST_F(StringFormatTest, FloatingPoint) {
