@@ -3,6 +3,8 @@
 
 #include <objc/exception.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <limits>
 #include <optional>
@@ -11,6 +13,11 @@ namespace objc::detail {
 namespace {
 
 using Kind = FormatArg::Kind;
+
+// A width, or the precision of a number, counts at most this many characters:
+// more than any text meant for a person, and a bound on what one directive
+// allocates and computes. Larger ones, written or passed to '*', are clamped.
+constexpr int kMaxField = 10000;
 
 struct Spec {
     std::string flags;
@@ -63,15 +70,18 @@ class Formatter {
         return args_[index];
     }
 
-    int takeInt() {
+    // The argument of a '*', within ±INT_MAX so that its negation is defined.
+    long long takeCount() {
+        constexpr long long kLimit = std::numeric_limits<int>::max();
         const FormatArg& a = take(std::nullopt);
         switch (a.kind) {
             case Kind::Signed:
-                return static_cast<int>(a.i);
+                return std::clamp(a.i, -kLimit, kLimit);
             case Kind::Unsigned:
-                return static_cast<int>(a.u);
+                return static_cast<long long>(std::min<unsigned long long>(a.u, kLimit));
             case Kind::Double:
-                return static_cast<int>(a.d);
+                if (std::isnan(a.d)) return 0;
+                return static_cast<long long>(std::clamp<double>(a.d, -kLimit, kLimit));
             default:
                 return 0;
         }
@@ -100,21 +110,22 @@ class Formatter {
         }
         if (i < format_.size() && format_[i] == '*') {
             ++i;
-            int w = takeInt();
+            long long w = takeCount();
             if (w < 0) {
                 spec.flags.push_back('-');
                 w = -w;
             }
-            spec.width = w;
+            spec.width = static_cast<int>(std::min<long long>(w, kMaxField));
         } else if (i < format_.size() && isDigit(format_[i])) {
-            spec.width = number(i);
+            spec.width = std::min(number(i), kMaxField);
         }
         if (i < format_.size() && format_[i] == '.') {
             ++i;
             if (i < format_.size() && format_[i] == '*') {
                 ++i;
-                const int p = takeInt();
-                if (p >= 0) spec.precision = p;
+                // Text takes any precision: it only cuts, never pads.
+                const long long p = takeCount();
+                if (p >= 0) spec.precision = static_cast<int>(p);
             } else {
                 spec.precision = number(i);
             }
@@ -201,7 +212,7 @@ class Formatter {
     static std::string cSpec(const Spec& spec, std::string_view length, char conversion) {
         std::string s = "%" + spec.flags;
         if (spec.width) s += std::to_string(*spec.width);
-        if (spec.precision) s += "." + std::to_string(*spec.precision);
+        if (spec.precision) s += "." + std::to_string(std::min(*spec.precision, kMaxField));
         s.append(length);
         s.push_back(conversion);
         return s;
@@ -220,6 +231,15 @@ class Formatter {
         std::snprintf(big.data(), big.size(), cformat.c_str(), value);
         big.resize(static_cast<std::size_t>(n));
         out.append(big);
+    }
+
+    // A double given to an integer conversion, saturated: out of range, the
+    // plain conversion is undefined.
+    static long long integerOf(double d) {
+        if (std::isnan(d)) return 0;
+        if (d >= 0x1p63) return std::numeric_limits<long long>::max();
+        if (d < -0x1p63) return std::numeric_limits<long long>::min();
+        return static_cast<long long>(d);
     }
 
     static long long objectInteger(id object) {
@@ -258,7 +278,7 @@ class Formatter {
                 print(out, cSpec(spec, "ll", 'd'), a.i);
                 return;
             case Kind::Double:
-                print(out, cSpec(spec, "ll", 'd'), static_cast<long long>(a.d));
+                print(out, cSpec(spec, "ll", 'd'), integerOf(a.d));
                 return;
             case Kind::Object:
                 print(out, cSpec(spec, "ll", 'd'), objectInteger(a.object));
@@ -285,7 +305,7 @@ class Formatter {
                 }
                 break;
             case Kind::Double:
-                value = static_cast<unsigned long long>(static_cast<long long>(a.d));
+                value = static_cast<unsigned long long>(integerOf(a.d));
                 break;
             case Kind::Object:
                 value = static_cast<unsigned long long>(objectInteger(a.object));
@@ -345,7 +365,7 @@ class Formatter {
         long long v = 0;
         if (a.kind == Kind::Signed) v = a.i;
         if (a.kind == Kind::Unsigned) v = static_cast<long long>(a.u);
-        if (a.kind == Kind::Double) v = static_cast<long long>(a.d);
+        if (a.kind == Kind::Double) v = integerOf(a.d);
         // %c prints one byte's character; %C a UTF-16 unit; both as UTF-8 here.
         const char32_t c = spec.conversion == 'c' ? static_cast<unsigned char>(v)
                                                   : static_cast<char32_t>(v & 0x1FFFFF);

@@ -1,5 +1,7 @@
 #include "property_list.h"
 
+#include "plist_input.h"
+
 #include <Foundation/NSArray.h>
 #include <Foundation/NSData.h>
 #include <Foundation/NSDate.h>
@@ -24,11 +26,6 @@ namespace {
 // Containers that hold themselves would recurse forever; real settings nest a
 // few levels.
 constexpr int kMaxDepth = 512;
-
-struct PlistDeleter {
-    void operator()(void* node) const { plist_free(node); }
-};
-using PlistPtr = std::unique_ptr<void, PlistDeleter>;
 
 std::string describe(id object) {
     if (object == nullptr) return "nil";
@@ -171,36 +168,36 @@ plist_t newDate(NSTimeInterval interval) {
     return plist_new_date(static_cast<std::int32_t>(seconds), micros);
 }
 
-PlistPtr toNode(id object, const std::string& path, std::string* problem, int depth) {
+PlistNode toNode(id object, const std::string& path, std::string* problem, int depth) {
     if (auto* string = objc::cast<NSString>(object)) {
-        return PlistPtr(plist_new_string(string->utf8().c_str()));
+        return PlistNode(plist_new_string(string->utf8().c_str()));
     }
     if (auto* number = objc::cast<NSNumber>(object)) {
         switch (number->kind()) {
             case NSNumber::Kind::Bool:
-                return PlistPtr(plist_new_bool(number->signedStorage() != 0));
+                return PlistNode(plist_new_bool(number->signedStorage() != 0));
             case NSNumber::Kind::Signed:
-                return PlistPtr(
+                return PlistNode(
                     plist_new_uint(static_cast<std::uint64_t>(number->signedStorage())));
             case NSNumber::Kind::Unsigned:
                 // Integers are signed 64-bit in the file; larger values wrap.
-                return PlistPtr(plist_new_uint(number->unsignedStorage()));
+                return PlistNode(plist_new_uint(number->unsignedStorage()));
             case NSNumber::Kind::Float:
             case NSNumber::Kind::Double:
-                return PlistPtr(plist_new_real(number->doubleStorage()));
+                return PlistNode(plist_new_real(number->doubleStorage()));
         }
     }
     if (auto* data = objc::cast<NSData>(object)) {
         const std::string_view bytes = data->view();
-        return PlistPtr(plist_new_data(bytes.data(), bytes.size()));
+        return PlistNode(plist_new_data(bytes.data(), bytes.size()));
     }
-    if (auto* date = objc::cast<NSDate>(object)) return PlistPtr(newDate(date->interval()));
+    if (auto* date = objc::cast<NSDate>(object)) return PlistNode(newDate(date->interval()));
     if (auto* array = objc::cast<NSArray>(object)) {
         if (tooDeep(depth, object, path, problem)) return nullptr;
-        PlistPtr node(plist_new_array());
+        PlistNode node(plist_new_array());
         std::size_t i = 0;
         for (id element : *array) {
-            PlistPtr child = toNode(element, indexPath(path, i++), problem, depth + 1);
+            PlistNode child = toNode(element, indexPath(path, i++), problem, depth + 1);
             if (!child) return nullptr;
             plist_array_append_item(node.get(), child.release());
         }
@@ -222,9 +219,9 @@ PlistPtr toNode(id object, const std::string& path, std::string* problem, int de
         if (!ok) return nullptr;
         std::sort(entries.begin(), entries.end(),
                   [](const auto& a, const auto& b) { return a.first->units() < b.first->units(); });
-        PlistPtr node(plist_new_dict());
+        PlistNode node(plist_new_dict());
         for (const auto& [key, value] : entries) {
-            PlistPtr child = toNode(value, keyPath(path, key), problem, depth + 1);
+            PlistNode child = toNode(value, keyPath(path, key), problem, depth + 1);
             if (!child) return nullptr;
             plist_dict_set_item(node.get(), key->utf8().c_str(), child.release());
         }
@@ -357,7 +354,7 @@ std::optional<std::string> encodePropertyList(id object, PlistFormat format, std
         if (problem != nullptr) *problem = "only the XML and binary formats can be written";
         return std::nullopt;
     }
-    const PlistPtr root = toNode(object, {}, problem, 0);
+    const PlistNode root = toNode(object, {}, problem, 0);
     if (!root) return std::nullopt;
     char* bytes = nullptr;
     std::uint32_t length = 0;
@@ -377,25 +374,16 @@ std::optional<std::string> encodePropertyList(id object, PlistFormat format, std
 
 objc::Strong<objc_object> decodePropertyList(std::string_view bytes, PlistMutability mutability,
                                              PlistFormat* format, std::string* problem) {
-    const auto fail = [&](const char* why) -> objc::Strong<objc_object> {
-        if (problem != nullptr) *problem = why;
-        return nullptr;
-    };
-    if (bytes.empty()) return fail("the data is empty");
-    if (bytes.size() > std::numeric_limits<std::uint32_t>::max())
-        return fail("the data is too large");
-    const auto length = static_cast<std::uint32_t>(bytes.size());
-    const bool binary = plist_is_binary(bytes.data(), length) != 0;
-    plist_t node = nullptr;
-    if (binary) {
-        plist_from_bin(bytes.data(), length, &node);
-    } else {
-        plist_from_xml(bytes.data(), length, &node);
-    }
-    const PlistPtr root(node);
-    if (!root) return fail("the data isn't a property list in XML or binary format");
+    bool binary = false;
+    const PlistNode root = readPlist(bytes, &binary, problem);
+    if (!root) return nullptr;
     auto object = fromNode(root.get(), mutability, 0);
-    if (!object) return fail("the property list holds an unsupported or too deeply nested value");
+    if (!object) {
+        if (problem != nullptr) {
+            *problem = "the property list holds an unsupported or too deeply nested value";
+        }
+        return nullptr;
+    }
     if (format != nullptr) *format = binary ? PlistFormat::Binary : PlistFormat::XML;
     return object;
 }

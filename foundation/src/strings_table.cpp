@@ -2,6 +2,8 @@
 
 #include <objc/string.h>
 
+#include "plist_input.h"
+
 #include <plist/plist.h>
 
 #include <cstdint>
@@ -180,10 +182,8 @@ bool looksLikePropertyList(std::string_view bytes) {
 }
 
 std::optional<StringsTable> parsePropertyListTable(std::string_view bytes) {
-    if (bytes.size() > UINT32_MAX) return std::nullopt;
-    plist_t root = nullptr;
-    plist_from_memory(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &root);
-    const std::unique_ptr<void, void (*)(plist_t)> owner(root, &plist_free);
+    const detail::PlistNode owner = detail::readPlist(bytes, nullptr, nullptr);
+    plist_t root = owner.get();
     if (root == nullptr || plist_get_node_type(root) != PLIST_DICT) return std::nullopt;
     StringsTable table;
     plist_dict_iter it = nullptr;

@@ -10,12 +10,14 @@ namespace {
 
 constexpr std::string_view kAlphabet = "abcdefghijklmnopqrstuvwxyz234567";
 // Payload entries are "key=value" separated by NUL bytes; the two common tag
-// classes get one-letter keys to keep identifiers short. Real tag classes
-// are reverse-DNS names, so the short keys cannot clash with one.
+// classes get one-letter keys to keep identifiers short. Every other tag
+// class is written after kOtherClass, so that no tag class (not even "c" or
+// "e") can pose as a conformance or as one of the common classes.
 constexpr char kSeparator = '\0';
 constexpr std::string_view kConformsKey = "c";
 constexpr std::string_view kExtensionKey = "e";
 constexpr std::string_view kMimeKey = "m";
+constexpr char kOtherClass = '~';
 
 std::string base32(std::string_view bytes) {
     std::string out;
@@ -54,10 +56,10 @@ std::optional<std::string> unbase32(std::string_view text) {
     return out;
 }
 
-std::string_view keyFor(std::string_view tagClass) {
-    if (tagClass == kFilenameExtensionTagClass) return kExtensionKey;
-    if (tagClass == kMimeTypeTagClass) return kMimeKey;
-    return tagClass;
+std::string keyFor(std::string_view tagClass) {
+    if (tagClass == kFilenameExtensionTagClass) return std::string(kExtensionKey);
+    if (tagClass == kMimeTypeTagClass) return std::string(kMimeKey);
+    return kOtherClass + std::string(tagClass);
 }
 
 }  // namespace
@@ -97,8 +99,10 @@ std::optional<DynamicIdentifier> DynamicIdentifier::decode(std::string_view iden
             out.tags.push_back({std::string(kFilenameExtensionTagClass), value});
         } else if (key == kMimeKey) {
             out.tags.push_back({std::string(kMimeTypeTagClass), value});
+        } else if (key.size() > 1 && key.front() == kOtherClass) {
+            out.tags.push_back({std::string(key.substr(1)), value});
         } else {
-            out.tags.push_back({std::string(key), value});
+            return std::nullopt;
         }
         if (end == std::string_view::npos) break;
         rest.remove_prefix(end + 1);

@@ -163,10 +163,10 @@ struct InvocationAccess {
         const std::size_t resultAt = alignUp(end, std::max(r.alignment, alignof(ffi_arg)));
         s->resultSize = r.size;
         s->resultCapacity = alignUp(std::max(r.size, sizeof(ffi_arg)), sizeof(ffi_arg));
-        if constexpr (std::endian::native == std::endian::big) {
-            if (isIntegral(r.kind) && r.size < sizeof(ffi_arg)) {
-                s->resultOffset = sizeof(ffi_arg) - r.size;
-            }
+        // A plain if: isIntegral stays in use on every machine.
+        if (std::endian::native == std::endian::big && isIntegral(r.kind) &&
+            r.size < sizeof(ffi_arg)) {
+            s->resultOffset = sizeof(ffi_arg) - r.size;
         }
         maxAlignment = std::max(maxAlignment, r.alignment);
 

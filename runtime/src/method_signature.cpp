@@ -7,6 +7,10 @@
 
 namespace {
 
+// An invocation holds every value at once and libffi copies large ones onto
+// the stack; real frames are a few hundred bytes.
+constexpr std::size_t kMaxFrameSize = 64 * 1024;
+
 [[noreturn]] void invalid(const std::string& reason) {
     objc::raise(objc::kInvalidArgumentException,
                 "+[NSMethodSignature signatureWithObjCTypes:]: " + reason);
@@ -42,6 +46,12 @@ NSMethodSignature* NSMethodSignature::imp_signatureWithObjCTypes(Class cls, cons
 void NSMethodSignature::prepare(std::shared_ptr<const std::vector<objc::TypeInfo>> types) {
     types_ = std::move(types);
     const std::size_t count = argumentCount();
+    std::size_t frame = 0;
+    for (const objc::TypeInfo& t : *types_) frame += t.size;  // each at most 2^40
+    if (frame > kMaxFrameSize) {
+        invalid("its values take " + std::to_string(frame) + " bytes, more than the " +
+                std::to_string(kMaxFrameSize) + " an invocation holds");
+    }
     ffiArgs_.reserve(count);
     for (std::size_t i = 0; i < count; ++i) {
         const objc::TypeInfo& arg = argumentInfo(i);

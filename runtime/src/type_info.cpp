@@ -412,6 +412,21 @@ void Parser::buildFfi(const TypeInfo& t, FfiStorage& storage) {
         default:
             break;
     }
+    // libffi places each element at its own alignment; where that disagrees
+    // with the encoding (a zero-length array's alignment pads, but adds no
+    // element), calls would pass misplaced bytes, so the type is refused.
+    std::size_t end = 0;
+    std::size_t alignment = 1;
+    for (const ffi_type* element : storage.elements) {
+        end = roundUp(end, element->alignment) + element->size;
+        alignment = std::max<std::size_t>(alignment, element->alignment);
+    }
+    if (roundUp(end, alignment) != t.size || alignment != t.alignment) {
+        throw EncodingError(t.encoding, "a layout libffi cannot describe (" +
+                                            std::to_string(t.size) + " bytes, " +
+                                            std::to_string(roundUp(end, alignment)) +
+                                            " as libffi lays out its members)");
+    }
     storage.elements.push_back(nullptr);
     // Filled in here so that ffi_prep_cif never writes to a description that
     // other threads may be reading.

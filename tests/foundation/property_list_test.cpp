@@ -173,6 +173,19 @@ TEST(PropertyList, CorruptDataGivesAnErrorNotAnObject) {
     EXPECT_EQ(NSPropertyListSerialization::propertyListWithData(nullptr, 0, nullptr, &error),
               nullptr);
     EXPECT_NE(error, nullptr);
+    // Keys holding U+0000 aborted inside libplist; they are refused, and so is
+    // XML with a NUL byte anywhere.
+    for (const std::string& bytes :
+         {corpusFile("property_list/abort-libplist-utf16-key-nul.bplist"),
+          corpusFile("property_list/abort-libplist-key-nul-fuzzed.bplist"),
+          std::string("<plist><dict><key>a\0b</key><true/></dict></plist>", 49)}) {
+        error = nullptr;
+        EXPECT_EQ(NSPropertyListSerialization::propertyListWithData(NSData::create(bytes), 0,
+                                                                    nullptr, &error),
+                  nullptr);
+        ASSERT_NE(error, nullptr);
+        EXPECT_EQ(error->code(), NSPropertyListReadCorruptError);
+    }
 }
 
 TEST(PropertyList, ReadOptionsChooseMutability) {

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cmath>
 #include <cstdint>
 
 namespace {
@@ -36,6 +37,8 @@ TEST_F(StringFormatTest, Integers) {
     EXPECT_EQ(fmt("%d", 5000000000LL), "5000000000");
     EXPECT_EQ(fmt("%d %d", true, false), "1 0");
     EXPECT_EQ(fmt("%c%c%C", 'o', 'k', u'é'), "oké");
+    // A double out of an integer's range saturates instead of being undefined.
+    EXPECT_EQ(fmt("%d %d %d", 1e308, -1e308, NAN), "9223372036854775807 -9223372036854775808 0");
 }
 
 TEST_F(StringFormatTest, FloatingPoint) {
@@ -59,6 +62,13 @@ TEST_F(StringFormatTest, PositionalAndStarArguments) {
     EXPECT_EQ(fmt("%2$@ %1$@", NSSTR("world"), NSSTR("hello")), "hello world");
     EXPECT_EQ(fmt("%1$d-%1$d", 3), "3-3");
     EXPECT_EQ(fmt("%*d|%.*f", 4, 7, 2, 1.0), "   7|1.00");
+    // Widths and the precisions of numbers stop at 10,000 characters; INT_MIN
+    // through '*' is a left-justified width, not an overflowing negation.
+    EXPECT_EQ(fmt("%2147483647d", 1).size(), 10000u);
+    EXPECT_EQ(fmt("%99999999g", 1.0).size(), 10000u);
+    EXPECT_EQ(fmt("%.99999999f", 1.0).size(), 10002u);
+    EXPECT_EQ(fmt("%*@|", INT_MIN, NSSTR("x")), "x" + std::string(9999, ' ') + "|");
+    EXPECT_EQ(fmt("%.*s|%.2147483647s", INT_MAX, "abc", "de"), "abc|de");
 }
 
 TEST_F(StringFormatTest, BadFormatsAreClearErrorsOrLiteralText) {

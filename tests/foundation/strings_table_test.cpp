@@ -7,6 +7,8 @@
 #include <random>
 #include <string>
 
+#include "test_helpers.h"
+
 namespace {
 
 using foundation::parseStringsTable;
@@ -98,6 +100,10 @@ TEST(StringsTable, MalformedInputGivesNoEntries) {
          }) {
         EXPECT_FALSE(parseStringsTable(text).has_value()) << text;
     }
+    // A compiled table whose key holds U+0000 aborted inside libplist.
+    EXPECT_FALSE(parseStringsTable(testing_support::corpusFile(
+                                       "strings_table/abort-libplist-utf16-key-nul.strings"))
+                     .has_value());
 }
 
 TEST(StringsTable, ReadsCompiledPropertyListTables) {

@@ -5,6 +5,9 @@
 #include <Foundation/NSString.h>
 #include <objc/exception.h>
 
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -34,6 +37,15 @@ std::string raisedName(F&& f) {
         return e.name();
     }
     return "nothing raised";
+}
+
+// A file of the fuzzers' seed corpus, e.g. "property_list/x.bplist", whole.
+inline std::string corpusFile(const std::string& relative) {
+    std::ifstream in(std::string(FUZZ_CORPUS_DIR) + "/" + relative, std::ios::binary);
+    if (!in) throw std::runtime_error("no corpus file " + relative);
+    std::ostringstream bytes;
+    bytes << in.rdbuf();
+    return bytes.str();
 }
 
 }  // namespace testing_support

@@ -127,7 +127,9 @@ TEST(DefaultsPersistence, UnreadableFilesAreKeptAsideAndDefaultsStartEmpty) {
     const std::string file = folder / "app.plist";
     const std::vector<std::string> broken = {
         "not a property list at all",
-        R"(<?xml version="1.0"?><plist><array><string>x</string></array></plist>)", ""};
+        R"(<?xml version="1.0"?><plist><array><string>x</string></array></plist>)", "",
+        // A key holding U+0000 aborted every start inside libplist.
+        corpusFile("defaults_file/abort-libplist-utf16-key-nul.plist")};
     for (const auto& bytes : broken) {
         folder.write("app.plist", bytes);
         auto defaults = NSUserDefaults::create(file);

@@ -125,6 +125,15 @@ TEST(UTTypeDynamic, UnknownMimeTypeAndOtherTagClasses) {
         take(UTTypeCreatePreferredIdentifierForTag(kUTTagClassOSType, str("PVX "), nullptr));
     EXPECT_EQ(take(UTTypeCopyPreferredTagWithClass(str(osType), kUTTagClassOSType)), "PVX ");
     EXPECT_FALSE(conforms(osType, "public.data"));
+    // Tag classes named like the identifier's own short keys stay tag classes.
+    const auto c =
+        take(UTTypeCreatePreferredIdentifierForTag(str("c"), str("public.image"), nullptr));
+    EXPECT_FALSE(conforms(c, "public.image")) << c;
+    EXPECT_EQ(take(UTTypeCopyPreferredTagWithClass(str(c), str("c"))), "public.image");
+    const auto e = take(UTTypeCreatePreferredIdentifierForTag(str("e"), str("exe"), nullptr));
+    EXPECT_EQ(extensionOf(e), "<nil>");
+    EXPECT_EQ(take(UTTypeCopyPreferredTagWithClass(str(e), str("e"))), "exe");
+    EXPECT_FALSE(conforms(e, "public.data"));
 }
 
 TEST(UTTypeConformance, TransitiveOverTheGraph) {

@@ -196,6 +196,12 @@ TEST(MethodSignature, RejectsBadEncodingsAndIndexes) {
                 testing::StartsWith("NSInvalidArgumentException"));
     EXPECT_THROW(NSMethodSignature::signatureWithObjCTypes("v"), objc::Exception);
     EXPECT_THROW(NSMethodSignature::signatureWithObjCTypes(nullptr), objc::Exception);
+    // A 3.6 GB frame is refused, not allocated; a layout libffi would get
+    // wrong is refused too.
+    EXPECT_THAT(
+        reasonOf([] { NSMethodSignature::signatureWithObjCTypes("v@:{a=[60000{b=[60000c]}]}"); }),
+        testing::StartsWith("NSInvalidArgumentException"));
+    EXPECT_THROW(NSMethodSignature::signatureWithObjCTypes("v@:{=c[0d]c}"), objc::EncodingError);
 
     NSMethodSignature* sig = NSMethodSignature::signatureWithObjCTypes("v@:i");
     EXPECT_THAT(reasonOf([&] { sig->getArgumentTypeAtIndex(3); }),

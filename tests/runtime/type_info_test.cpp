@@ -239,6 +239,11 @@ TEST(TypeInfoFfiTest, LayoutMatchesParsedLayout) {
     EXPECT_EQ(parse("D").ffiType(), &ffi_type_longdouble);
     EXPECT_EQ(parse("@?").ffiType(), &ffi_type_pointer);
     EXPECT_THROW(parse("[100000c]").ffiType(), EncodingError);
+    // A zero-length array pads (16 bytes) but gives libffi no element (2):
+    // refused rather than passed with its last member misplaced.
+    EXPECT_EQ(parse("{=c[0d]c}").size, 16u);
+    EXPECT_THROW(parse("{=c[0d]c}").ffiType(), EncodingError);
+    EXPECT_THROW(parse("{=c[0d]}").ffiType(), EncodingError);
 }
 
 CGRect offsetRect(CGRect r, CGPoint by, char scale) {

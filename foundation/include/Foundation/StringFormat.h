@@ -8,7 +8,8 @@
 // doubles (flags, width and precision as in "%.1f" or "%-8s"), %s C strings,
 // %p pointers, %% a percent sign, "%1$@" positional arguments. Length
 // modifiers (l, ll, q, z, h...) are accepted; the value printed is always the
-// argument's own, never a truncated or misread one.
+// argument's own, never a truncated or misread one. Widths, and the
+// precisions of numbers, are clamped to 10,000 characters.
 #pragma once
 
 #include <objc/string.h>

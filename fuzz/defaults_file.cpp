@@ -1,0 +1,44 @@
+// The user-defaults file as loaded at start-up: any bytes in the file end in
+// readable defaults or in the file kept aside, never in a crash.
+#include <Foundation/NSDictionary.h>
+#include <Foundation/NSUserDefaults.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "fuzz_input.h"
+
+namespace {
+
+const std::filesystem::path& folder() {
+    static const std::filesystem::path path = [] {
+        std::string name =
+            (std::filesystem::temp_directory_path() / "defaults-fuzz-XXXXXX").string();
+        if (::mkdtemp(name.data()) == nullptr) std::abort();
+        return std::filesystem::path(name);
+    }();
+    return path;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const auto file = folder() / "app.plist";
+    {
+        std::ofstream out(file, std::ios::binary | std::ios::trunc);
+        out.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+    }
+    {
+        objc::AutoreleasePool pool;
+        auto defaults = NSUserDefaults::create(file.string());
+        (void)defaults->dictionaryRepresentation()->count();
+    }
+    // Files kept aside would pile up over millions of runs.
+    std::error_code ignored;
+    for (const auto& entry : std::filesystem::directory_iterator(folder(), ignored)) {
+        std::filesystem::remove(entry.path(), ignored);
+    }
+    return 0;
+}
