@@ -6,6 +6,8 @@
 
 #include <Foundation/NSURL.h>
 
+#include <UIKit/UIDocumentPickerViewController.h>
+
 #include <objc/strong.h>
 
 #include <benchmark/benchmark.h>
@@ -71,7 +73,7 @@ class MediaScratch {
         return {};
     }
     fs::path home() const { return root_ / "home"; }
-    fs::path inbox() const { return host::inboxFolder(home()); }
+    fs::path inbox() const { return UIDocumentPickerViewController::inboxFolder(home().string()); }
     fs::path outside() const { return root_ / "outside"; }
     // Where sends store their copies: cp writes there too, so that both
     // write into the same folder of the same file system.

@@ -1,9 +1,10 @@
 #include <Host/WADocumentAttachment.h>
 
-#include <Foundation/NSBundle.h>
 #include <Foundation/NSURL.h>
 
 #include <MobileCoreServices/UTType.h>
+
+#include <UIKit/UIDocumentPickerViewController.h>
 
 #include <objc/image.h>
 
@@ -67,13 +68,6 @@ std::string tagType(NSString* tagClass, const std::string& tag) {
 
 }  // namespace
 
-fs::path inboxFolder(const fs::path& home) {
-    objc::AutoreleasePool pool;
-    NSString* identifier = NSBundle::mainBundle()->bundleIdentifier();
-    const std::string prefix = identifier != nullptr ? identifier->utf8() + "-" : std::string();
-    return home / "tmp" / (prefix + "Inbox");
-}
-
 PreparedDocument prepareDocument(WADocumentAttachment& attachment, const fs::path& home,
                                  std::int64_t chatId) {
     PreparedDocument prepared;
@@ -86,7 +80,8 @@ PreparedDocument prepareDocument(WADocumentAttachment& attachment, const fs::pat
     // Only the picker's own import copies are the host's to take; any other
     // file, wherever it lies (even in Documents or Library), is the user's.
     prepared.takeOver =
-        attachment.transfersFileOwnership() && isInside(prepared.source, inboxFolder(home));
+        attachment.transfersFileOwnership() &&
+        isInside(prepared.source, UIDocumentPickerViewController::inboxFolder(home.string()));
     if (prepared.takeOver) {
         // The file itself, not a link to it, is what moves.
         std::error_code error;

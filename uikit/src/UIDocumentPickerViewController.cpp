@@ -143,9 +143,14 @@ bool UIDocumentPickerViewController::openParentFolder() {
 
 std::string UIDocumentPickerViewController::inboxFolder() {
     objc::AutoreleasePool pool;
+    return inboxFolder(NSHomeDirectory()->utf8());
+}
+
+std::string UIDocumentPickerViewController::inboxFolder(const std::string& home) {
+    objc::AutoreleasePool pool;
     NSString* identifier = NSBundle::mainBundle()->bundleIdentifier();
     const std::string prefix = identifier != nullptr ? identifier->utf8() + "-" : std::string();
-    return (fs::path(NSHomeDirectory()->utf8()) / "tmp" / (prefix + "Inbox")).string();
+    return (fs::path(home) / "tmp" / (prefix + "Inbox")).string();
 }
 
 void UIDocumentPickerViewController::dismissThen(objc::Block<void()>* after) {

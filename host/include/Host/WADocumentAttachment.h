@@ -62,10 +62,6 @@ class WADocumentAttachment : public NSObject {
 
 namespace host {
 
-// Where the document picker imports into the container at `home`
-// ("<home>/tmp/<bundle identifier>-Inbox"): the only files the host owns.
-std::filesystem::path inboxFolder(const std::filesystem::path& home);
-
 // A document send in two steps, so that the copy can run off the main
 // thread: prepareDocument reads what the send needs from the attachment (on
 // the thread that owns it) and gives the message to record as sending;

@@ -75,8 +75,10 @@ class PV_EXPORT UIDocumentPickerViewController : public UIViewController {
     // documentPickerWasCancelled: (where it responds).
     void cancel();
 
-    // Where imports go: "<home>/tmp/<main bundle identifier>-Inbox".
+    // Where imports go: "<home>/tmp/<main bundle identifier>-Inbox", for the
+    // process's home or a container named by its home folder.
     static std::string inboxFolder();
+    static std::string inboxFolder(const std::string& home);
 
     UIDocumentPickerViewController() = default;
 
