@@ -296,11 +296,25 @@ Method class_getClassMethod(Class cls, SEL sel) {
     return class_getInstanceMethod(cls->isa_.load(), sel);
 }
 
-bool class_addMethod(Class cls, SEL sel, IMP imp, const char* types) {
-    if (cls == nullptr || sel == nullptr) return false;
+namespace {
+
+struct AddResult {
+    bool added;
+    IMP previous;  // the implementation before the call, when the method existed
+};
+
+// One step under the lock, so that a method added by another thread between
+// a lookup and an add can never make a replacement vanish.
+AddResult addMethod(Class cls, SEL sel, IMP imp, const char* types, bool replace) {
     std::lock_guard lock(runtimeLock());
     ClassData& d = *cls->data_;
-    if (d.methodsBySelector.count(sel) != 0) return false;
+    if (const auto it = d.methodsBySelector.find(sel); it != d.methodsBySelector.end()) {
+        const Method m = it->second;
+        if (!replace) return {false, m->imp.load(std::memory_order_relaxed)};
+        const IMP old = m->imp.exchange(imp);
+        updateCachedImpLocked(m);
+        return {false, old};
+    }
     auto m = std::make_unique<objc_method>();
     m->name = sel;
     m->imp.store(imp, std::memory_order_relaxed);
@@ -309,24 +323,19 @@ bool class_addMethod(Class cls, SEL sel, IMP imp, const char* types) {
     d.methodsBySelector.emplace(sel, m.get());
     d.methods.push_back(std::move(m));
     flushCachesLocked(cls);
-    return true;
+    return {true, nullptr};
+}
+
+}  // namespace
+
+bool class_addMethod(Class cls, SEL sel, IMP imp, const char* types) {
+    if (cls == nullptr || sel == nullptr) return false;
+    return addMethod(cls, sel, imp, types, false).added;
 }
 
 IMP class_replaceMethod(Class cls, SEL sel, IMP imp, const char* types) {
     if (cls == nullptr || sel == nullptr) return nullptr;
-    {
-        std::lock_guard lock(runtimeLock());
-        const auto& methods = cls->data_->methodsBySelector;
-        const auto it = methods.find(sel);
-        if (it != methods.end()) {
-            const Method m = it->second;
-            const IMP old = m->imp.exchange(imp);
-            updateCachedImpLocked(m);
-            return old;
-        }
-    }
-    class_addMethod(cls, sel, imp, types);
-    return nullptr;
+    return addMethod(cls, sel, imp, types, true).previous;
 }
 
 IMP class_getMethodImplementation(Class cls, SEL sel);  // in forwarding.cpp

@@ -4,7 +4,12 @@
 #include <objc/image.h>
 #include <objc/runtime.h>
 
+#include <barrier>
+#include <mutex>
+#include <set>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "test_classes.h"
 
@@ -21,6 +26,10 @@ int returnsSeven(id, SEL) {
 }
 int returnsEight(id, SEL) {
     return 8;
+}
+template <int N>
+int returnsN(id, SEL) {
+    return N;
 }
 
 TEST(Classes, LookupAndSendsIncludeSuperclasses) {
@@ -92,6 +101,51 @@ TEST(Classes, ReplaceMethodAnswersThePreviousImplementation) {
     // A selector nobody implements resolves to the forwarding entry, never null.
     EXPECT_NE(class_getMethodImplementation(cls, sel<"noSuchMethod">()), nullptr);
     objc_release(obj);
+}
+
+TEST(Classes, RacingAddsAndReplacesNeverLoseAnImplementation) {
+    const Class cls = objc_allocateClassPair(NSObject::objcClass(), "RacedMethodTarget", 0);
+    objc_registerClassPair(cls);
+    const IMP imps[] = {reinterpret_cast<IMP>(&returnsN<0>), reinterpret_cast<IMP>(&returnsN<1>),
+                        reinterpret_cast<IMP>(&returnsN<2>), reinterpret_cast<IMP>(&returnsN<3>),
+                        reinterpret_cast<IMP>(&returnsN<4>), reinterpret_cast<IMP>(&returnsN<5>)};
+    constexpr int kThreads = 6;
+    constexpr int kSelectors = 4000;
+    std::vector<SEL> sels;
+    for (int i = 0; i < kSelectors; ++i) {
+        sels.push_back(sel_registerName(("raced" + std::to_string(i)).c_str()));
+    }
+    // Per selector: every implementation that took effect, and every one
+    // handed back as replaced.
+    std::vector<std::multiset<IMP>> installed(kSelectors), returned(kSelectors);
+    std::mutex resultsLock;
+    // All threads go for each selector together, so that their lookups and
+    // additions interleave.
+    std::barrier round(kThreads);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t) {
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < kSelectors; ++i) {
+                round.arrive_and_wait();
+                const bool replaces = t % 2 == 0;
+                IMP previous = nullptr;
+                bool tookEffect = true;
+                if (replaces) {
+                    previous = class_replaceMethod(cls, sels[i], imps[t], "i@:");
+                } else {
+                    tookEffect = class_addMethod(cls, sels[i], imps[t], "i@:");
+                }
+                std::lock_guard lock(resultsLock);
+                if (tookEffect) installed[i].insert(imps[t]);
+                if (previous != nullptr) returned[i].insert(previous);
+            }
+        });
+    }
+    for (auto& thread : threads) thread.join();
+    for (int i = 0; i < kSelectors; ++i) {
+        returned[i].insert(class_getMethodImplementation(cls, sels[i]));
+        ASSERT_EQ(returned[i], installed[i]) << "selector " << i;
+    }
 }
 
 TEST(Classes, LoadRunsOnceSuperclassesFirstThenCategories) {
