@@ -18,8 +18,9 @@ namespace {
 using objc::msgSend;
 using objc::sel;
 
-int tripleAdd(Counter* self, SEL, int n) {
-    return self->value_ += 3 * n;
+// Called as every implementation is, with the receiver as id.
+int tripleAdd(id self, SEL, int n) {
+    return static_cast<Counter*>(self)->value_ += 3 * n;
 }
 int returnsSeven(id, SEL) {
     return 7;
@@ -152,8 +153,8 @@ TEST(Classes, LoadRunsOnceSuperclassesFirstThenCategories) {
     // Runtime-made classes with +load, loaded as one image.
     static std::string order;
     struct Loads {
-        static void base(Class, SEL) { order += "B"; }
-        static void sub(Class, SEL) { order += "S"; }
+        static void base(id, SEL) { order += "B"; }
+        static void sub(id, SEL) { order += "S"; }
     };
     const Class base = objc_allocateClassPair(NSObject::objcClass(), "LoadBase", 0);
     const Class sub = objc_allocateClassPair(base, "LoadSub", 0);
