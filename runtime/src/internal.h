@@ -23,6 +23,11 @@ struct objc_ivar {
     objc::detail::IvarAccess access{};
 };
 
+struct objc_property {
+    std::string name;
+    std::string attributes;  // "T@?,C,N": each attribute's name then its value
+};
+
 namespace objc::detail {
 
 // A cache table with its slots; owned by its class for the life of the
@@ -42,6 +47,7 @@ struct ClassData {
     std::vector<std::unique_ptr<objc_method>> methods;  // in order of addition
     std::unordered_map<SEL, Method> methodsBySelector;
     std::vector<std::unique_ptr<objc_ivar>> ivars;
+    std::vector<std::unique_ptr<objc_property>> properties;  // in order of addition
     std::vector<Class> subclasses;
     std::vector<std::unique_ptr<CacheStorage>> caches;  // the last one is current
 };

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdio>
+#include <cstring>
 #include <vector>
 
 namespace objc {
@@ -69,7 +70,8 @@ id valueForKey(id self, SEL, NSString* key) {
         const SEL sel = sel_registerName(name.c_str());
         const Method m = class_getInstanceMethod(cls, sel);
         if (m == nullptr) continue;
-        if (isObjectType(method_getTypeEncoding(m))) return msgSend<id>(self, sel);
+        // Accessors are called through an invocation, never as id(id, SEL):
+        // the implementation may return any object pointer type.
         NSMethodSignature* sig =
             NSMethodSignature::signatureWithObjCTypes(method_getTypeEncoding(m));
         if (sig->argumentCount() != 2) continue;
@@ -78,6 +80,11 @@ id valueForKey(id self, SEL, NSString* key) {
         invocation->invokeWithTarget(self);
         auto result = buffer(sig->methodReturnType());
         invocation->getReturnValue(result.data());
+        if (isObjectType(sig->methodReturnType())) {
+            id object = nullptr;
+            std::memcpy(&object, result.data(), sizeof object);
+            return object;
+        }
         return box(result.data(), sig->methodReturnType());
     }
     for (const std::string& name : {"_" + k, "_is" + K, k, "is" + K}) {
@@ -102,16 +109,16 @@ void setValueForKey(id self, SEL, id value, NSString* key) {
             NSMethodSignature::signatureWithObjCTypes(method_getTypeEncoding(m));
         if (sig->argumentCount() != 3) continue;
         const char* argType = sig->getArgumentTypeAtIndex(2);
-        if (isObjectType(argType)) {
-            msgSend<void>(self, sel, value);
-            return;
-        }
-        if (value == nullptr) {
+        if (value == nullptr && !isObjectType(argType)) {
             msgSend<void>(self, objc::sel<"setNilValueForKey:">(), key);
             return;
         }
         auto argument = buffer(argType);
-        unbox(value, argument.data(), argType);
+        if (isObjectType(argType)) {
+            std::memcpy(argument.data(), &value, sizeof value);
+        } else {
+            unbox(value, argument.data(), argType);
+        }
         NSInvocation* invocation = NSInvocation::invocationWithMethodSignature(sig);
         invocation->setSelector(sel);
         invocation->setArgument(argument.data(), 2);

@@ -26,10 +26,12 @@ void nsobject_dealloc(id self, SEL) {
 }
 
 id nsobject_copy(id self, SEL) {
-    return objc::msgSend<id>(self, objc::sel<"copyWithZone:">(), nullptr);
+    // The zone is a plain pointer: a nil object would not match the method's type.
+    return objc::msgSend<id>(self, objc::sel<"copyWithZone:">(), static_cast<void*>(nullptr));
 }
 id nsobject_mutableCopy(id self, SEL) {
-    return objc::msgSend<id>(self, objc::sel<"mutableCopyWithZone:">(), nullptr);
+    return objc::msgSend<id>(self, objc::sel<"mutableCopyWithZone:">(),
+                             static_cast<void*>(nullptr));
 }
 
 id nsobject_retain(id self, SEL) {

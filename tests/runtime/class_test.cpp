@@ -2,9 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <objc/image.h>
+#include <objc/property.h>
 #include <objc/runtime.h>
 
 #include <barrier>
+#include <cstdlib>
 #include <mutex>
 #include <set>
 #include <string>
@@ -18,8 +20,9 @@ namespace {
 using objc::msgSend;
 using objc::sel;
 
-int tripleAdd(Counter* self, SEL, int n) {
-    return self->value_ += 3 * n;
+// Called as every implementation is, with the receiver as id.
+int tripleAdd(id self, SEL, int n) {
+    return static_cast<Counter*>(self)->value_ += 3 * n;
 }
 int returnsSeven(id, SEL) {
     return 7;
@@ -148,12 +151,43 @@ TEST(Classes, RacingAddsAndReplacesNeverLoseAnImplementation) {
     }
 }
 
+TEST(Classes, DeclaredPropertiesKeepTheirAttributesAndAreInherited) {
+    const Class cls = objc_allocateClassPair(NSObject::objcClass(), "PropertyOwner", 0);
+    objc_registerClassPair(cls);
+    const objc_property_attribute_t block[] = {{"T", "@?"}, {"C", ""}, {"N", ""}};
+    const objc_property_attribute_t count[] = {{"T", "q"}, {"N", ""}, {"V", "_count"}};
+    EXPECT_TRUE(class_addProperty(cls, "handler", block, 3));
+    EXPECT_FALSE(class_addProperty(cls, "handler", count, 3));
+    EXPECT_TRUE(class_addProperty(cls, "count", count, 3));
+
+    const objc_property_t handler = class_getProperty(cls, "handler");
+    ASSERT_NE(handler, nullptr);
+    EXPECT_STREQ(property_getName(handler), "handler");
+    EXPECT_STREQ(property_getAttributes(handler), "T@?,C,N");
+    EXPECT_STREQ(property_getAttributes(class_getProperty(cls, "count")), "Tq,N,V_count");
+    EXPECT_EQ(class_getProperty(cls, "missing"), nullptr);
+
+    // A subclass finds its superclass's properties but lists only its own.
+    const Class sub = objc_allocateClassPair(cls, "PropertyOwnerChild", 0);
+    objc_registerClassPair(sub);
+    EXPECT_EQ(class_getProperty(sub, "handler"), handler);
+    unsigned int n = 99;
+    EXPECT_EQ(class_copyPropertyList(sub, &n), nullptr);
+    EXPECT_EQ(n, 0u);
+    objc_property_t* list = class_copyPropertyList(cls, &n);
+    ASSERT_EQ(n, 2u);
+    EXPECT_EQ(list[0], handler);
+    EXPECT_STREQ(property_getName(list[1]), "count");
+    EXPECT_EQ(list[2], nullptr);
+    std::free(list);
+}
+
 TEST(Classes, LoadRunsOnceSuperclassesFirstThenCategories) {
     // Runtime-made classes with +load, loaded as one image.
     static std::string order;
     struct Loads {
-        static void base(Class, SEL) { order += "B"; }
-        static void sub(Class, SEL) { order += "S"; }
+        static void base(id, SEL) { order += "B"; }
+        static void sub(id, SEL) { order += "S"; }
     };
     const Class base = objc_allocateClassPair(NSObject::objcClass(), "LoadBase", 0);
     const Class sub = objc_allocateClassPair(base, "LoadSub", 0);

@@ -82,10 +82,20 @@ struct ClassThunk<F> {
 
 template <auto Fn>
 struct ImpStyle;
+// Every implementation is called as R(id, SEL, A...): one that takes its
+// receiver as a class or a subclass pointer is reached through a thunk, so
+// that no function is ever called through a type other than its own.
 template <class Self, class R, class... A, R (*F)(Self, SEL, A...)>
 struct ImpStyle<F> {
     static_assert(std::is_pointer_v<Self>, "an implementation takes the receiver first");
-    static IMP imp() { return reinterpret_cast<IMP>(F); }
+    static R call(id self, SEL cmd, A... a) { return F(static_cast<Self>(self), cmd, a...); }
+    static IMP imp() {
+        if constexpr (std::is_same_v<Self, id>) {
+            return reinterpret_cast<IMP>(F);
+        } else {
+            return reinterpret_cast<IMP>(&call);
+        }
+    }
     static const char* types() { return methodEncoding<R, A...>(); }
 };
 

@@ -1,18 +1,47 @@
 // The runtime's C interface, under the names that Objective-C code uses.
+// It compiles as C too, and every function has C linkage, so that code in
+// any language finds them by their plain names.
 #pragma once
 
+#include <stddef.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
 #include <objc/types.h>
 
 class NSString;
 
 // Association policies, with the platform's values.
-enum objc_AssociationPolicy : std::uintptr_t {
+enum objc_AssociationPolicy : uintptr_t {
+#else
+#include <objc/export.h>
+#include <stdbool.h>
+
+typedef struct objc_object* id;
+typedef struct objc_class* Class;
+typedef const struct objc_selector* SEL;
+typedef struct objc_method* Method;
+typedef struct objc_ivar* Ivar;
+typedef void (*IMP)(void);
+typedef bool BOOL;
+typedef long NSInteger;
+typedef unsigned long NSUInteger;
+typedef struct NSString NSString;
+
+// C has no enums of a fixed width; the values travel as uintptr_t.
+typedef uintptr_t objc_AssociationPolicy;
+enum {
+#endif
     OBJC_ASSOCIATION_ASSIGN = 0,
     OBJC_ASSOCIATION_RETAIN_NONATOMIC = 1,
     OBJC_ASSOCIATION_COPY_NONATOMIC = 3,
     OBJC_ASSOCIATION_RETAIN = 01401,
     OBJC_ASSOCIATION_COPY = 01403,
 };
+
+#ifdef __cplusplus
+extern "C" {
+#endif
 
 // Selectors
 PV_EXPORT SEL sel_registerName(const char* name);
@@ -21,7 +50,7 @@ PV_EXPORT const char* sel_getName(SEL sel);
 // Classes
 PV_EXPORT Class objc_getClass(const char* name);
 PV_EXPORT Class objc_getMetaClass(const char* name);
-PV_EXPORT Class objc_allocateClassPair(Class superclass, const char* name, std::size_t extraBytes);
+PV_EXPORT Class objc_allocateClassPair(Class superclass, const char* name, size_t extraBytes);
 PV_EXPORT void objc_registerClassPair(Class cls);
 PV_EXPORT const char* class_getName(Class cls);
 PV_EXPORT Class class_getSuperclass(Class cls);
@@ -53,12 +82,12 @@ PV_EXPORT void object_setIvar(id obj, Ivar v, id value);
 // Objects
 PV_EXPORT Class object_getClass(id obj);
 PV_EXPORT const char* object_getClassName(id obj);
-PV_EXPORT id class_createInstance(Class cls, std::size_t extraBytes);
+PV_EXPORT id class_createInstance(Class cls, size_t extraBytes);
 PV_EXPORT id objc_retain(id obj);
 PV_EXPORT void objc_release(id obj);
 PV_EXPORT id objc_autorelease(id obj);
-PV_EXPORT std::uint32_t objc_retainCount(id obj);
-PV_EXPORT void* objc_autoreleasePoolPush();
+PV_EXPORT uint32_t objc_retainCount(id obj);
+PV_EXPORT void* objc_autoreleasePoolPush(void);
 PV_EXPORT void objc_autoreleasePoolPop(void* token);
 
 // Associated objects
@@ -77,3 +106,7 @@ PV_EXPORT SEL NSSelectorFromString(NSString* name);
 // after it. Throws objc::EncodingError on a malformed encoding.
 PV_EXPORT const char* NSGetSizeAndAlignment(const char* typePtr, NSUInteger* sizep,
                                             NSUInteger* alignp);
+
+#ifdef __cplusplus
+}  // extern "C"
+#endif

@@ -133,5 +133,5 @@ PV_EXPORT std::shared_ptr<const std::vector<TypeInfo>> parseMethodEncodingCached
 // position after it and its offset digits. Either out-pointer may be null.
 // A malformed encoding throws objc::EncodingError, the runtime's
 // invalid-argument exception.
-PV_EXPORT const char* NSGetSizeAndAlignment(const char* typePtr, NSUInteger* sizep,
-                                            NSUInteger* alignp);
+extern "C" PV_EXPORT const char* NSGetSizeAndAlignment(const char* typePtr, NSUInteger* sizep,
+                                                       NSUInteger* alignp);
