@@ -1,7 +1,7 @@
 #include "hooks/attach_menu_hooks.h"
 
 #include "hooks/document_sending.h"
-#include "hooks/hook_slots.h"
+#include "hooks/hook_installation.h"
 #include "hooks/preferences.h"
 #include "hooks/settings_keys.h"
 
@@ -38,7 +38,7 @@ void dismissBrowser(id browser, UIViewController::Completion* completion) {
 
 void chatBarManagerWantsToAttachMedia(id self, SEL sel, id manager) {
     attachMenuRequested = true;
-    objc::callImp<void>(original::chatBarManagerWantsToAttachMedia, self, sel, manager);
+    callOriginal<&chatBarManagerWantsToAttachMedia>(self, sel, manager);
 }
 
 void showActionSheet(id self, SEL sel, id sheet) {
@@ -54,7 +54,7 @@ void showActionSheet(id self, SEL sel, id sheet) {
         objc::msgSend<void>(sheet, objc::sel<"addButtonWithTitle:handler:">(), title,
                             handler.get());
     }
-    objc::callImp<void>(original::showActionSheet, self, sel, sheet);
+    callOriginal<&showActionSheet>(self, sel, sheet);
 }
 
 void sendParcelvaneFile(id self, SEL) {

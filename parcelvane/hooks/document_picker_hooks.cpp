@@ -1,7 +1,7 @@
 #include "hooks/document_picker_hooks.h"
 
 #include "hooks/document_sending.h"
-#include "hooks/hook_slots.h"
+#include "hooks/hook_installation.h"
 #include "hooks/preferences.h"
 #include "hooks/settings_keys.h"
 #include "support/ParcelvaneHelper.h"
@@ -62,15 +62,14 @@ UIUserInterfaceIdiom currentIdiom() {
 id initWithDocumentTypesInMode(id self, SEL sel, NSArray* types, NSUInteger mode) {
     if (sendDocumentsEnabled()) {
         const objc::Strong<NSArray> widened = widenedTypes();
-        return objc::callImp<id>(original::initWithDocumentTypesInMode, self, sel, widened.get(),
-                                 kWidenedMode);
+        return callOriginal<&initWithDocumentTypesInMode>(self, sel, widened.get(), kWidenedMode);
     }
-    return objc::callImp<id>(original::initWithDocumentTypesInMode, self, sel, types, mode);
+    return callOriginal<&initWithDocumentTypesInMode>(self, sel, types, mode);
 }
 
 void presentShareDocumentController(id self, SEL sel) {
     if (!sendDocumentsEnabled()) {
-        objc::callImp<void>(original::presentShareDocumentController, self, sel);
+        callOriginal<&presentShareDocumentController>(self, sel);
         return;
     }
     // Before iOS 8 there is no document menu: the file browser stands in.
@@ -90,7 +89,7 @@ void presentShareDocumentController(id self, SEL sel) {
 
 void documentPickerDidPickDocumentAtURL(id self, SEL sel, id picker, NSURL* url) {
     if (!sendDocumentsEnabled()) {
-        objc::callImp<void>(original::documentPickerDidPickDocumentAtURL, self, sel, picker, url);
+        callOriginal<&documentPickerDidPickDocumentAtURL>(self, sel, picker, url);
         return;
     }
     // One turn of the main queue later, once the picker has gone; the work
@@ -110,7 +109,7 @@ void documentMenuDidPickDocumentPicker(id self, SEL sel, id menu, id picker) {
     // Whatever the settings: a provider's picker is shown as a form sheet.
     objc::msgSend<void>(picker, objc::sel<"setModalPresentationStyle:">(),
                         static_cast<UIModalPresentationStyle>(UIModalPresentationFormSheet));
-    objc::callImp<void>(original::documentMenuDidPickDocumentPicker, self, sel, menu, picker);
+    callOriginal<&documentMenuDidPickDocumentPicker>(self, sel, menu, picker);
 }
 
 void presentForCurrentInterface(id self, SEL, id viewController) {

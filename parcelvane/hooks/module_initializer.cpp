@@ -2,16 +2,15 @@
 // on the loading thread, before the host can call any hooked method.
 #include "hooks/hook_table.h"
 
-#include <TolbrennDevTools/TolbrennDevTools.h>
-
 #include <objc/strong.h>
 
 namespace {
 
-__attribute__((constructor)) void installParcelvane() {
+__attribute__((constructor)) void loadParcelvane() {
     const objc::AutoreleasePool pool;
-    TolbrennDevTools::loadFileBrowserLibrariesIfNeeded();
-    parcelvane::hooks::installHooks(parcelvane::hooks::hookTable());
+    // Nothing is reported: a hook whose class or method the host lacks, or
+    // whose method has other types, simply stays out.
+    static_cast<void>(parcelvane::hooks::installParcelvane());
 }
 
 }  // namespace

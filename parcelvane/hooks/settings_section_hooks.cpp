@@ -1,6 +1,6 @@
 #include "hooks/settings_section_hooks.h"
 
-#include "hooks/hook_slots.h"
+#include "hooks/hook_installation.h"
 #include "hooks/settings_icon_download.h"
 #include "hooks/settings_switches.h"
 #include "support/ParcelvaneHelper.h"
@@ -169,7 +169,7 @@ id addSectionAtTop(id self, SEL) {
 }
 
 void setupTableView(id self, SEL sel) {
-    objc::callImp<void>(original::setupTableView, self, sel);
+    callOriginal<&setupTableView>(self, sel);
     const id section = objc::msgSend<id>(self, objc::sel<"addSectionAtTop">());
     objc::msgSend<void>(section, objc::sel<"setHeaderText:">(), NSSTR("Parcelvane"));
     objc::msgSend<void>(section, objc::sel<"setFooterText:">(), NSSTR(""));

@@ -1,5 +1,7 @@
 #include "chat_screen_fakes.h"
 
+#include "hooks/hook_table.h"
+
 #include <objc/image.h>
 #include <objc/message.h>
 #include <objc/string.h>
@@ -15,6 +17,14 @@ std::vector<std::string> eventNames() {
     std::vector<std::string> names;
     for (const Event& event : events()) names.push_back(event.what);
     return names;
+}
+
+const std::vector<parcelvane::hooks::HookResult>& libraryInstalled() {
+    static const std::vector<parcelvane::hooks::HookResult> results = [] {
+        const objc::AutoreleasePool pool;
+        return parcelvane::hooks::installParcelvane();
+    }();
+    return results;
 }
 
 namespace {

@@ -3,7 +3,7 @@
 // the calls a hook passes on through its slot.
 #pragma once
 
-#include "hooks/hook_slots.h"
+#include "hooks/hook_installation.h"
 
 #include <Foundation/NSURL.h>
 #include <UIKit/UIViewController.h>
@@ -26,6 +26,11 @@ struct Event {
 };
 std::vector<Event>& events();
 std::vector<std::string> eventNames();
+
+// Installs the library's hook table once, as loading the library does, and
+// answers the results. This program has none of the host's classes: only the
+// platform's document menu is hooked.
+const std::vector<parcelvane::hooks::HookResult>& libraryInstalled();
 
 // Puts a recorder in a hook's slot and the previous content back afterwards.
 class SlotRecorder {

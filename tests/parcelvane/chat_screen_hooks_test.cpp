@@ -1,6 +1,6 @@
 // The chat screen's hooks called as the host calls them, against a recording
 // chat screen and the platform's own document menu (whose initialiser this
-// test program's copy of the library replaced at load).
+// test program's copy of the library replaced: see libraryInstalled).
 #include <gtest/gtest.h>
 
 #include "chat_screen_fakes.h"
@@ -28,11 +28,13 @@ using chat_fakes::events;
 using chat_fakes::SlotRecorder;
 using Strings = std::vector<std::string>;
 namespace hooks = parcelvane::hooks;
-namespace original = parcelvane::hooks::original;
 
 class ChatScreenHooksTest : public ::testing::Test {
   protected:
-    ChatScreenHooksTest() { events().clear(); }
+    ChatScreenHooksTest() {
+        chat_fakes::libraryInstalled();
+        events().clear();
+    }
     ~ChatScreenHooksTest() override {
         events().clear();
         uikit::configureDevice(uikit::DeviceProfile::defaultProfile());
@@ -53,7 +55,7 @@ class ChatScreenHooksTest : public ::testing::Test {
     objc::AutoreleasePool pool;
     parcelvane_testing::ScratchDefaults scratch;
     objc::Strong<FakeChatScreen> chat = objc::make<FakeChatScreen>();
-    SlotRecorder shareHost{original::presentShareDocumentController,
+    SlotRecorder shareHost{hooks::Original<&hooks::presentShareDocumentController>::imp,
                            SlotRecorder::Shape::NoArguments};
 };
 
@@ -90,7 +92,7 @@ TEST_F(ChatScreenHooksTest, WhileOnEveryMenuTakesAllDataAndTheShareActionPresent
 }
 
 TEST_F(ChatScreenHooksTest, APickerChosenFromAMenuIsAFormSheetWhateverTheSetting) {
-    const SlotRecorder host(original::documentMenuDidPickDocumentPicker,
+    const SlotRecorder host(hooks::Original<&hooks::documentMenuDidPickDocumentPicker>::imp,
                             SlotRecorder::Shape::TwoObjects);
     const auto menu = UIViewController::create();
     for (const bool on : {false, true}) {
@@ -107,7 +109,7 @@ TEST_F(ChatScreenHooksTest, APickerChosenFromAMenuIsAFormSheetWhateverTheSetting
 }
 
 TEST_F(ChatScreenHooksTest, APickedFileIsSentOnTheNextTurnOfTheMainQueueIfItExists) {
-    const SlotRecorder host(original::documentPickerDidPickDocumentAtURL,
+    const SlotRecorder host(hooks::Original<&hooks::documentPickerDidPickDocumentAtURL>::imp,
                             SlotRecorder::Shape::TwoObjects);
     enable("send_documents_enabled", true);
     // A URL that is no file URL: its whole text is a path, here relative to
@@ -136,9 +138,10 @@ TEST_F(ChatScreenHooksTest, APickedFileIsSentOnTheNextTurnOfTheMainQueueIfItExis
 }
 
 TEST_F(ChatScreenHooksTest, OnlyTheAttachMenuGainsTheEntryUnderTheHostsTranslatedTitle) {
-    const SlotRecorder attachHost(original::chatBarManagerWantsToAttachMedia,
+    const SlotRecorder attachHost(hooks::Original<&hooks::chatBarManagerWantsToAttachMedia>::imp,
                                   SlotRecorder::Shape::OneObject);
-    const SlotRecorder sheetHost(original::showActionSheet, SlotRecorder::Shape::OneObject);
+    const SlotRecorder sheetHost(hooks::Original<&hooks::showActionSheet>::imp,
+                                 SlotRecorder::Shape::OneObject);
     const std::string home = NSBundle::mainBundle()->bundlePath()->utf8();
     std::filesystem::create_directories(home + "/en.lproj");
     std::ofstream(home + "/en.lproj/Localizable.strings")

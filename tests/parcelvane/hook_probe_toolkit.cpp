@@ -6,7 +6,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 
 namespace probe {
 
@@ -122,41 +121,6 @@ void expectPassedOn(Class cls, const std::string& selector, const char* owner) {
     const id second = arity(selector) > 1 ? argument(1) : nullptr;
     check(calls[0].self == instance.get() && calls[0].first == first && calls[0].second == second,
           what + ": with the same receiver and arguments");
-}
-
-void expectReplacedInherited(const char* className, const std::string& selector) {
-    const Class cls = classNamed(className);
-    const Method inherited =
-        class_getInstanceMethod(class_getSuperclass(cls), sel_registerName(selector.c_str()));
-    const Method own = ownMethod(cls, selector);
-    check(own != nullptr && inherited != nullptr &&
-              std::strcmp(method_getTypeEncoding(own), method_getTypeEncoding(inherited)) == 0,
-          selector + " was added to " + className + " under the inherited encoding");
-    check(method_getImplementation(inherited) == standIn<kBase>(selector),
-          selector + ": the superclass's implementation is left alone");
-    expectPassedOn(cls, selector, kBase);
-}
-
-void expectReplacedOwn(const char* className, const std::string& selector) {
-    const Method own = ownMethod(classNamed(className), selector);
-    check(own != nullptr && method_getImplementation(own) != standIn<kOwn>(selector) &&
-              std::strcmp(method_getTypeEncoding(own), hostTypes(selector)) == 0,
-          selector + " of " + className + " runs a replacement under its own encoding");
-    expectPassedOn(classNamed(className), selector, kOwn);
-}
-
-void expectAdded(const char* className, const std::string& selector, const char* types) {
-    const Method own = ownMethod(classNamed(className), selector);
-    check(own != nullptr && std::strcmp(method_getTypeEncoding(own), types) == 0 &&
-              method_getImplementation(own) != standIn<kBase>(selector),
-          selector + " was added to " + className + " as " + types);
-}
-
-void expectKeptOwn(const char* className, const std::string& selector) {
-    const Method own = ownMethod(classNamed(className), selector);
-    check(own != nullptr && method_getImplementation(own) == standIn<kOwn>(selector) &&
-              std::strcmp(method_getTypeEncoding(own), hostTypes(selector)) == 0,
-          selector + " stays " + className + "'s own");
 }
 
 }  // namespace probe

@@ -92,15 +92,4 @@ Method ownMethod(Class cls, const std::string& selector);
 // Sends the selector to a fresh instance and checks that exactly one stand-in
 // of it ran, the owner's, with the same receiver and arguments.
 void expectPassedOn(Class cls, const std::string& selector, const char* owner);
-// A replaced method the class only inherited: now the class's own, under the
-// inherited encoding, passing on to the superclass's implementation.
-void expectReplacedInherited(const char* className, const std::string& selector);
-// A replaced method the class had itself: runs the replacement, which passes
-// on to the class's previous implementation.
-void expectReplacedOwn(const char* className, const std::string& selector);
-// An added method: the class's own, the library's, with the fixed encoding.
-void expectAdded(const char* className, const std::string& selector, const char* types);
-// A method to add that the class had already stays the class's.
-void expectKeptOwn(const char* className, const std::string& selector);
-
 }  // namespace probe

@@ -1,25 +1,23 @@
-// The installation of hook rows, in order, on classes of this test's own:
-// the function that installs the library's table at load.
+// The installation of hook rows, in order, on classes of this test's own;
+// and the library's own table in this program, which lacks the host.
 #include <gtest/gtest.h>
 
+#include "chat_screen_fakes.h"
 #include "hooks/hook_installation.h"
+#include "hooks/hook_table.h"
 
 #include <objc/object.h>
 #include <objc/string.h>
 
+#include <cstdlib>
 #include <string>
+#include <vector>
 
 namespace {
 
 using namespace parcelvane::hooks;
+using enum HookResult;
 
-Class savedHooked = nullptr;
-Class savedMissing = reinterpret_cast<Class>(0x1);  // overwritten when its row is reached
-Class savedOwner = nullptr;
-IMP passedHooked = nullptr;
-IMP passedMissing = nullptr;
-IMP passedOwner = nullptr;
-IMP passedAbsent = nullptr;
 std::string seen;
 
 template <char Tag>
@@ -27,62 +25,63 @@ id original(id, SEL, id argument) {
     seen += Tag;
     return argument;
 }
-template <IMP* Slot>
+template <char Tag>
 id replacement(id self, SEL sel, id argument) {
     seen += 'r';
-    return objc::callImp<id>(*Slot, self, sel, argument);
+    return callOriginal<&replacement<Tag>>(self, sel, argument);
 }
 id added(id self, SEL, id) {
     return self;
 }
+long otherTypes(id, SEL, long n) {
+    return n;
+}
 
+// As the host's methods are encoded: with frame offsets.
 constexpr const char* kTypes = "@24@0:8@16";
 
-Class defineClass(Class superclass, const char* name, IMP probe) {
+Class defineClass(Class superclass, const char* name, IMP probe, const char* other = nullptr) {
     const Class cls = objc_allocateClassPair(superclass, name, 0);
     if (probe != nullptr) class_addMethod(cls, sel_registerName("probe:"), probe, kTypes);
+    if (other != nullptr) class_addMethod(cls, sel_registerName(other), probe, kTypes);
     objc_registerClassPair(cls);
     return cls;
 }
 
-TEST(HookRows, AreInstalledInOrderAndPassCallsOnToWhatTheyReplaced) {
+TEST(HookRows, AnswerOneResultEachAndPassCallsOnToWhatTheyReplaced) {
     const objc::AutoreleasePool pool;
     const Class base =
         defineClass(NSObject::objcClass(), "HookRowsBase", reinterpret_cast<IMP>(&original<'a'>));
     const Class hooked = defineClass(base, "HookRowsHooked", nullptr);
     const Class subclass = defineClass(hooked, "HookRowsSubclass", nullptr);
-    const Class owner =
-        defineClass(NSObject::objcClass(), "HookRowsOwner", reinterpret_cast<IMP>(&original<'o'>));
+    const Class owner = defineClass(NSObject::objcClass(), "HookRowsOwner",
+                                    reinterpret_cast<IMP>(&original<'o'>), "other:");
     const HookRow rows[] = {
-        replacedMethod<&replacement<&passedHooked>, &savedHooked, &passedHooked>("HookRowsHooked",
-                                                                                 "probe:"),
-        addedMethod<&added, &savedHooked>("HookRowsHooked", "added:", "@@:@"),
-        replacedMethod<&replacement<&passedMissing>, &savedMissing, &passedMissing>(
-            "HookRowsNoSuchClass", "probe:"),
-        replacedMethod<&replacement<&passedOwner>, &savedOwner, &passedOwner>("HookRowsOwner",
-                                                                              "probe:"),
-        replacedMethod<&replacement<&passedAbsent>, &savedOwner, &passedAbsent>("HookRowsOwner",
-                                                                                "absent:"),
+        replace<&replacement<'h'>>("HookRowsHooked", "probe:"),
+        add<&added>("HookRowsHooked", "added:"),
+        replace<&replacement<'m'>>("HookRowsNoSuchClass", "probe:"),
+        replace<&replacement<'x'>>("HookRowsOwner", "absent:"),
+        replace<&otherTypes>("HookRowsOwner", "other:"),
+        add<&added>("HookRowsOwner", "probe:"),
+        replace<&replacement<'o'>>("HookRowsOwner", "probe:"),
     };
-    installHooks(rows);
-
-    EXPECT_EQ(savedHooked, base);
-    EXPECT_EQ(savedOwner, NSObject::objcClass());
-    EXPECT_EQ(savedMissing, nullptr) << "a missing class leaves its superclass slot empty";
-    EXPECT_EQ(passedMissing, nullptr);
-    EXPECT_EQ(passedAbsent, nullptr) << "a method the class lacks is not replaced";
-    EXPECT_FALSE(class_respondsToSelector(owner, sel_registerName("absent:")));
+    EXPECT_EQ(installHooks(rows), (std::vector{Installed, Installed, ClassMissing, MethodMissing,
+                                               EncodingMismatch, AlreadyImplemented, Installed}));
+    // The rows that were not installed left the owner as it was.
+    unsigned int count = 0;
+    std::free(class_copyMethodList(owner, &count));
+    EXPECT_EQ(count, 2u);
+    EXPECT_EQ(method_getImplementation(class_getInstanceMethod(owner, sel_registerName("other:"))),
+              reinterpret_cast<IMP>(&original<'o'>));
+    EXPECT_EQ(Original<&replacement<'m'>>::imp, nullptr);
+    EXPECT_EQ(Original<&replacement<'x'>>::imp, nullptr);
+    EXPECT_EQ(Original<&otherTypes>::imp, nullptr);
 
     const SEL probe = sel_registerName("probe:");
-    const Method replaced = class_getInstanceMethod(hooked, probe);
-    EXPECT_EQ(method_getImplementation(replaced),
-              reinterpret_cast<IMP>(&replacement<&passedHooked>));
-    EXPECT_STREQ(method_getTypeEncoding(replaced), kTypes);
-    EXPECT_EQ(method_getImplementation(class_getInstanceMethod(base, probe)),
-              reinterpret_cast<IMP>(&original<'a'>));
-    const Method addedMethod = class_getInstanceMethod(hooked, sel_registerName("added:"));
-    ASSERT_NE(addedMethod, nullptr);
-    EXPECT_STREQ(method_getTypeEncoding(addedMethod), "@@:@");
+    EXPECT_STREQ(method_getTypeEncoding(class_getInstanceMethod(hooked, probe)), kTypes);
+    EXPECT_STREQ(
+        method_getTypeEncoding(class_getInstanceMethod(hooked, sel_registerName("added:"))),
+        "@@:@");
 
     const auto argument = NSString::create("argument");
     const auto send = [&](Class cls) {
@@ -101,6 +100,12 @@ TEST(HookRows, AreInstalledInOrderAndPassCallsOnToWhatTheyReplaced) {
     EXPECT_EQ(send(hooked), "rb");
     // A class with its own method keeps it reachable behind the replacement.
     EXPECT_EQ(send(owner), "ro");
+}
+
+TEST(HookRows, WithoutTheHostOnlyThePlatformsDocumentMenuIsHooked) {
+    std::vector<HookResult> expected(hookTable().size(), ClassMissing);
+    expected[0] = Installed;
+    EXPECT_EQ(chat_fakes::libraryInstalled(), expected);
 }
 
 }  // namespace

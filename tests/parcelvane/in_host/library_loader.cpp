@@ -1,9 +1,12 @@
 #include "parcelvane/in_host/library_loader.h"
 
+#include "hooks/hook_table.h"
+
+#include <objc/strong.h>
+
 #include <gtest/gtest.h>
 
 #include <arpa/inet.h>
-#include <dlfcn.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -15,7 +18,7 @@ namespace in_host {
 
 namespace {
 
-void* handle = nullptr;
+std::vector<parcelvane::hooks::HookResult> results;
 
 // A bound socket that never listens: connecting to its port is refused.
 class RefusingPort {
@@ -48,8 +51,8 @@ class LibraryEnvironment : public ::testing::Environment {
         ::unsetenv("no_proxy");
         ::unsetenv("NO_PROXY");
         ::setenv("http_proxy", refusingProxy().c_str(), 1);
-        handle = ::dlopen(PARCELVANE_LIBRARY, RTLD_NOW | RTLD_GLOBAL);
-        ASSERT_NE(handle, nullptr) << ::dlerror();
+        const objc::AutoreleasePool pool;
+        results = parcelvane::hooks::installParcelvane();
     }
 };
 
@@ -59,8 +62,8 @@ class LibraryEnvironment : public ::testing::Environment {
 
 }  // namespace
 
-void* librarySymbol(const char* name) {
-    return handle != nullptr ? ::dlsym(handle, name) : nullptr;
+const std::vector<parcelvane::hooks::HookResult>& installResults() {
+    return results;
 }
 
 const std::string& refusingProxy() {

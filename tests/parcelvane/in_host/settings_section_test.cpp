@@ -1,6 +1,7 @@
 // The library's section in the host's real Settings screen, for what the
 // messenger's scripts cannot see: the switches' writes and globals, a host
 // that keeps its sections, and the icon's download.
+#include "hooks/settings_switches.h"
 #include "parcelvane/defaults_spy.h"
 #include "parcelvane/in_host/settings_fixture.h"
 #include "support/loopback_http_server.h"
@@ -22,12 +23,6 @@ namespace {
 
 using in_host::SettingsScreenTest;
 using parcelvane_testing::DefaultsSpy;
-
-// What the library holds in its exported switch globals.
-UISwitch* exportedSwitch(const char* name) {
-    auto* const global = static_cast<UISwitch**>(in_host::librarySymbol(name));
-    return global != nullptr ? *global : nullptr;
-}
 
 // Counts -[NSUserDefaults synchronize] while it lives, and passes it on.
 class SynchronizeCounter {
@@ -93,10 +88,10 @@ TEST_F(LegacySettingsTest, EachSwitchWritesOnlyItsOwnKeyThenSynchronises) {
 
 TEST_F(LegacySettingsTest, ARebuildReplacesTheGlobalsAndReleasesTheOldSwitches) {
     open("6.1");
-    const char* const globals[] = {"switchview1", "switchview2", "switchview3"};
+    UISwitch* const* const globals[] = {&switchview1, &switchview2, &switchview3};
     UISwitch* old[3] = {};
     for (std::size_t i = 0; i < 3; ++i) {
-        old[i] = exportedSwitch(globals[i]);
+        old[i] = *globals[i];
         EXPECT_EQ(old[i], switchAt(i));
     }
     // Told when the old switch goes: its associated objects go with it.
@@ -118,8 +113,8 @@ TEST_F(LegacySettingsTest, ARebuildReplacesTheGlobalsAndReleasesTheOldSwitches) 
         settings->setupTableView();
     }
     for (std::size_t i = 0; i < 3; ++i) {
-        EXPECT_NE(exportedSwitch(globals[i]), old[i]);
-        EXPECT_EQ(exportedSwitch(globals[i]), switchAt(i));
+        EXPECT_NE(*globals[i], old[i]);
+        EXPECT_EQ(*globals[i], switchAt(i));
     }
     EXPECT_TRUE(*gone);
 }
