@@ -6,6 +6,7 @@
 
 #include <memory>
 
+#include "hooks/hook_installation.h"
 #include "ratios.h"
 #include "virtual_baseline.h"
 
@@ -77,11 +78,11 @@ void BM_PlainSend(benchmark::State& state) {
 }
 BENCHMARK(BM_PlainSend);
 
-// The slot a hook passes its calls on to, as an installed hook keeps it.
-IMP gOriginalAdd = nullptr;
+// A hook as the library writes one, passing its calls on through its slot.
 long hookedAdd(id self, SEL sel, long n) {
-    return objc::callImp<long>(gOriginalAdd, self, sel, n);
+    return parcelvane::hooks::callOriginal<&hookedAdd>(self, sel, n);
 }
+IMP& gOriginalAdd = parcelvane::hooks::Original<&hookedAdd>::imp;
 
 void BM_HookedSend(benchmark::State& state) {
     const Method m = class_getInstanceMethod(HookedCounter::objcClass(), objc::sel<"add:">());
