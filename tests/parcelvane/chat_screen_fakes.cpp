@@ -22,6 +22,11 @@ std::vector<std::string> eventNames() {
 const std::vector<parcelvane::hooks::HookResult>& libraryInstalled() {
     static const std::vector<parcelvane::hooks::HookResult> results = [] {
         const objc::AutoreleasePool pool;
+        // Two host classes as an older host has them: the settings screen
+        // lacks the method its hook stands in front of.
+        for (const char* name : {"WAStaticTableViewController", "WASettingsViewController"}) {
+            objc_registerClassPair(objc_allocateClassPair(NSObject::objcClass(), name, 0));
+        }
         return parcelvane::hooks::installParcelvane();
     }();
     return results;

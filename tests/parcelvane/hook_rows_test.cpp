@@ -102,10 +102,22 @@ TEST(HookRows, AnswerOneResultEachAndPassCallsOnToWhatTheyReplaced) {
     EXPECT_EQ(send(owner), "ro");
 }
 
-TEST(HookRows, WithoutTheHostOnlyThePlatformsDocumentMenuIsHooked) {
+TEST(HookRows, AHostClassWithoutTheMethodLeavesOnlyThatRowOut) {
+    // This program has the platform's document menu, no chat screen, and
+    // settings classes without setupTableView (see libraryInstalled).
     std::vector<HookResult> expected(hookTable().size(), ClassMissing);
     expected[0] = Installed;
+    expected[8] = Installed;
+    expected[9] = MethodMissing;
+    expected[10] = Installed;
     EXPECT_EQ(chat_fakes::libraryInstalled(), expected);
+    const Class settings = objc_getClass("WASettingsViewController");
+    unsigned int count = 0;
+    Method* const methods = class_copyMethodList(settings, &count);
+    ASSERT_EQ(count, 1u);
+    EXPECT_STREQ(sel_getName(method_getName(methods[0])), "_didToggleEnableDisable:");
+    std::free(methods);
+    EXPECT_FALSE(class_respondsToSelector(settings, sel_registerName("setupTableView")));
 }
 
 }  // namespace
