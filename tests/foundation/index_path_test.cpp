@@ -7,25 +7,11 @@
 
 #include <string>
 
-#include "test_helpers.h"
+#include "foundation_helpers.h"
 
 namespace {
 
-using namespace testing_support;
-
-TEST(IndexPath, RowsAndSectionsAreItsTwoPositions) {
-    objc::AutoreleasePool pool;
-    NSIndexPath* path = NSIndexPath::indexPathForRowInSection(3, 1);
-    EXPECT_EQ(path->section(), 1);
-    EXPECT_EQ(path->row(), 3);
-    EXPECT_EQ(path->indexAtPosition(0), 1u);
-    EXPECT_EQ(path->indexAtPosition(2), static_cast<NSUInteger>(NSNotFound));
-    EXPECT_TRUE(path->isEqual(NSIndexPath::indexPathForItemInSection(3, 1)));
-    NSIndexPath* single = NSIndexPath::indexPathWithIndex(4);
-    EXPECT_EQ(single->length(), 1u);
-    EXPECT_EQ(single->row(), NSNotFound);
-    EXPECT_EQ(single->indexPathByAddingIndex(9)->row(), 9);
-}
+using namespace testsupport;
 
 TEST(IndexPath, OrdersLexicographicallyAndEqualPathsHashEqual) {
     objc::AutoreleasePool pool;

@@ -15,12 +15,12 @@
 #include <cmath>
 #include <limits>
 
-#include "temp_folder.h"
-#include "test_helpers.h"
+#include "foundation_helpers.h"
+#include "scratch_folder.h"
 
 namespace {
 
-using namespace testing_support;
+using namespace testsupport;
 
 // A list that exercises every kind: nested containers, extreme numbers,
 // non-ASCII text, bytes with zeros, dates.
@@ -99,20 +99,6 @@ TEST(PropertyList, DatesKeepWholeSecondsInXMLAndMicrosecondsInBinary) {
     EXPECT_EQ(xml->interval(), 700000000.0);
 }
 
-TEST(PropertyList, XMLIsTheReadableStandardForm) {
-    objc::AutoreleasePool pool;
-    const auto list = NSDictionary::create(
-        {{S("b"), NSNumber::create(true).get()}, {S("a"), NSNumber::create(2.5).get()}});
-    NSData* data = NSPropertyListSerialization::dataWithPropertyList(
-        list, NSPropertyListXMLFormat_v1_0, 0, nullptr);
-    ASSERT_NE(data, nullptr);
-    const std::string text(data->view());
-    EXPECT_NE(text.find("<true/>"), std::string::npos);
-    EXPECT_NE(text.find("<real>2.5</real>"), std::string::npos);
-    // Keys are sorted, so equal dictionaries encode equally.
-    EXPECT_LT(text.find("<key>a</key>"), text.find("<key>b</key>"));
-}
-
 TEST(PropertyList, RefusesObjectsThatAreNotPropertyLists) {
     objc::AutoreleasePool pool;
     const auto stranger = objc::make<NSObject>();
@@ -186,46 +172,6 @@ TEST(PropertyList, CorruptDataGivesAnErrorNotAnObject) {
         ASSERT_NE(error, nullptr);
         EXPECT_EQ(error->code(), NSPropertyListReadCorruptError);
     }
-}
-
-TEST(PropertyList, ReadOptionsChooseMutability) {
-    objc::AutoreleasePool pool;
-    const auto list =
-        NSDictionary::create({{S("items"), NSArray::create({S("a")}).get()}, {S("name"), S("n")}});
-    id containers = roundTrip(list, NSPropertyListXMLFormat_v1_0, NSPropertyListMutableContainers);
-    auto* dictionary = objc::cast<NSMutableDictionary>(containers);
-    ASSERT_NE(dictionary, nullptr);
-    EXPECT_NE(objc::cast<NSMutableArray>(dictionary->objectForKey(S("items"))), nullptr);
-    EXPECT_EQ(objc::cast<NSMutableString>(dictionary->objectForKey(S("name"))), nullptr);
-    id leaves =
-        roundTrip(list, NSPropertyListBinaryFormat_v1_0, NSPropertyListMutableContainersAndLeaves);
-    auto* name = static_cast<NSDictionary*>(leaves)->objectForKey(S("name"));
-    EXPECT_NE(objc::cast<NSMutableString>(name), nullptr);
-}
-
-TEST(CollectionFiles, DictionariesAndArraysWriteAndReadBack) {
-    objc::AutoreleasePool pool;
-    TempFolder folder;
-    const auto list = sampleList();
-    NSString* file = S((folder / "settings.plist").c_str());
-    EXPECT_TRUE(
-        objc::msgSend<bool>(list.get(), objc::sel<"writeToFile:atomically:">(), file, true));
-    id read = objc::msgSend<id>(NSDictionary::objcClass(),
-                                objc::sel<"dictionaryWithContentsOfFile:">(), file);
-    EXPECT_TRUE(list->isEqual(read));
-    EXPECT_FALSE(objc::isKindOf(read, NSMutableDictionary::objcClass()));
-    const auto bad = NSArray::create({objc::make<NSObject>().get()});
-    EXPECT_FALSE(objc::msgSend<bool>(bad.get(), objc::sel<"writeToFile:atomically:">(),
-                                     S((folder / "bad.plist").c_str()), true));
-    EXPECT_FALSE(std::filesystem::exists(folder / "bad.plist"));
-    // A file of the other kind or a broken file gives nil.
-    EXPECT_EQ(
-        objc::msgSend<id>(NSArray::objcClass(), objc::sel<"arrayWithContentsOfFile:">(), file),
-        nullptr);
-    NSString* broken = S(folder.write("broken.plist", "{{{{").c_str());
-    EXPECT_EQ(objc::msgSend<id>(NSDictionary::objcClass(),
-                                objc::sel<"dictionaryWithContentsOfFile:">(), broken),
-              nullptr);
 }
 
 }  // namespace

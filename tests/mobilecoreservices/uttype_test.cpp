@@ -69,34 +69,6 @@ TEST(UTTypeLookup, ExtensionTypeAndMimeTypeBothWays) {
     EXPECT_EQ(extensions[1], "jpg");
 }
 
-TEST(UTTypeLookup, OfficeFormats) {
-    objc::AutoreleasePool pool;
-    struct Case {
-        const char* extension;
-        const char* identifier;
-        const char* mimeType;
-    };
-    const Case cases[] = {
-        {"doc", "com.microsoft.word.doc", "application/msword"},
-        {"xlsx", "org.openxmlformats.spreadsheetml.sheet",
-         "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet"},
-        {"pptx", "org.openxmlformats.presentationml.presentation",
-         "application/vnd.openxmlformats-officedocument.presentationml.presentation"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.extension);
-        EXPECT_EQ(forExtension(c.extension), c.identifier);
-        EXPECT_EQ(mimeTypeOf(c.identifier), c.mimeType);
-        EXPECT_EQ(extensionOf(c.identifier), c.extension);
-        EXPECT_EQ(forMimeType(c.mimeType), c.identifier);
-    }
-    EXPECT_TRUE(
-        conforms("org.openxmlformats.wordprocessingml.document", "org.openxmlformats.openxml"));
-    EXPECT_TRUE(conforms("org.openxmlformats.wordprocessingml.document", "public.zip-archive"));
-    EXPECT_TRUE(conforms("org.openxmlformats.spreadsheetml.sheet", "public.spreadsheet"));
-    EXPECT_TRUE(conforms("org.openxmlformats.presentationml.presentation", "public.presentation"));
-}
-
 TEST(UTTypeDynamic, UnknownExtensionGetsAReversibleDynamicIdentifier) {
     objc::AutoreleasePool pool;
     const auto uti = forExtension("pvx123");
@@ -111,29 +83,6 @@ TEST(UTTypeDynamic, UnknownExtensionGetsAReversibleDynamicIdentifier) {
     EXPECT_FALSE(UTTypeIsDeclared(str(uti)));
     EXPECT_TRUE(UTTypeEqual(str("COM.ADOBE.PDF"), kUTTypePDF));  // in any case
     EXPECT_FALSE(UTTypeEqual(kUTTypePDF, kUTTypeData));
-}
-
-TEST(UTTypeDynamic, UnknownMimeTypeAndOtherTagClasses) {
-    objc::AutoreleasePool pool;
-    const auto uti = forMimeType("application/x-parcelvane-test");
-    EXPECT_TRUE(uti.starts_with("dyn.")) << uti;
-    EXPECT_EQ(mimeTypeOf(uti), "application/x-parcelvane-test");
-    EXPECT_TRUE(conforms(uti, "public.data"));
-    EXPECT_TRUE(conforms(forMimeType("image/x-parcelvane-test"), "public.image"));
-    // Not a file: an OSType says nothing about data.
-    const auto osType =
-        take(UTTypeCreatePreferredIdentifierForTag(kUTTagClassOSType, str("PVX "), nullptr));
-    EXPECT_EQ(take(UTTypeCopyPreferredTagWithClass(str(osType), kUTTagClassOSType)), "PVX ");
-    EXPECT_FALSE(conforms(osType, "public.data"));
-    // Tag classes named like the identifier's own short keys stay tag classes.
-    const auto c =
-        take(UTTypeCreatePreferredIdentifierForTag(str("c"), str("public.image"), nullptr));
-    EXPECT_FALSE(conforms(c, "public.image")) << c;
-    EXPECT_EQ(take(UTTypeCopyPreferredTagWithClass(str(c), str("c"))), "public.image");
-    const auto e = take(UTTypeCreatePreferredIdentifierForTag(str("e"), str("exe"), nullptr));
-    EXPECT_EQ(extensionOf(e), "<nil>");
-    EXPECT_EQ(take(UTTypeCopyPreferredTagWithClass(str(e), str("e"))), "exe");
-    EXPECT_FALSE(conforms(e, "public.data"));
 }
 
 TEST(UTTypeConformance, TransitiveOverTheGraph) {

@@ -23,9 +23,9 @@
 
 namespace {
 
-using chat_fakes::eventNames;
-using chat_fakes::events;
-using chat_fakes::SlotRecorder;
+using testsupport::eventNames;
+using testsupport::events;
+using testsupport::SlotRecorder;
 using Strings = std::vector<std::string>;
 namespace hooks = parcelvane::hooks;
 namespace original = parcelvane::hooks::original;
@@ -51,7 +51,7 @@ class ChatScreenHooksTest : public ::testing::Test {
     }
 
     objc::AutoreleasePool pool;
-    parcelvane_testing::ScratchDefaults scratch;
+    testsupport::ScratchDefaults scratch;
     objc::Strong<FakeChatScreen> chat = objc::make<FakeChatScreen>();
     SlotRecorder shareHost{original::presentShareDocumentController,
                            SlotRecorder::Shape::NoArguments};

@@ -6,17 +6,6 @@ namespace {
 
 using DocumentMenuTest = UIKitTest;
 
-TEST_F(DocumentMenuTest, KeepsACopyOfItsTypesAndItsMode) {
-    auto types = NSMutableArray::create({NSSTR("com.adobe.pdf"), NSSTR("public.text")});
-    auto menu = UIDocumentMenuViewController::create(types.get(), UIDocumentPickerModeOpen);
-    types->addObject(NSSTR("public.data"));  // the caller's later change is not seen
-    EXPECT_EQ(menu->typeList(), (std::vector<std::string>{"com.adobe.pdf", "public.text"}));
-    EXPECT_EQ(menu->mode(), UIDocumentPickerModeOpen);
-    EXPECT_TRUE(UIDocumentMenuViewController::create(nullptr, UIDocumentPickerModeImport)
-                    ->typeList()
-                    .empty());
-}
-
 TEST_F(DocumentMenuTest, OptionsRunTheirHandlerAfterTheMenuIsDismissed) {
     std::vector<std::string> log;
     auto presenter = UIViewController::create();

@@ -1,8 +1,8 @@
 // The library's section in the host's real Settings screen, for what the
 // messenger's scripts cannot see: the switches' writes and globals, a host
 // that keeps its sections, and the icon's download.
-#include "parcelvane/defaults_spy.h"
 #include "parcelvane/in_host/settings_fixture.h"
+#include "support/defaults_spy.h"
 #include "support/loopback_http_server.h"
 #include "support/tiny_png.h"
 
@@ -21,7 +21,7 @@
 namespace {
 
 using in_host::SettingsScreenTest;
-using parcelvane_testing::DefaultsSpy;
+using testsupport::DefaultsSpy;
 
 // What the library holds in its exported switch globals.
 UISwitch* exportedSwitch(const char* name) {
