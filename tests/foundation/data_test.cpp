@@ -33,29 +33,6 @@ class DataFiles : public ::testing::Test {
     testsupport::ScratchFolder folder_;
 };
 
-TEST(Data, CopiesItsBytesAndComparesByContent) {
-    objc::AutoreleasePool pool;
-    char source[] = "Hello";
-    NSData* data = NSData::dataWithBytesLength(source, 5);
-    source[0] = 'J';  // the data owns a copy
-    EXPECT_EQ(std::string(static_cast<const char*>(data->bytes()), data->length()), "Hello");
-    auto same = NSData::create(std::string_view("Hello"));
-    EXPECT_TRUE(data->isEqual(same));
-    EXPECT_EQ(data->hash(), same->hash());
-    EXPECT_FALSE(data->isEqual(NSData::create(std::string_view("Hellp"))));
-    EXPECT_FALSE(data->isEqual(NSSTR("Hello")));
-    // Hashing stops early, but equality still sees every byte.
-    const std::string longText(200, 'x');
-    std::string otherText = longText;
-    otherText.back() = 'y';
-    auto a = NSData::create(std::string_view(longText));
-    auto b = NSData::create(std::string_view(otherText));
-    EXPECT_FALSE(a->isEqual(b));
-    EXPECT_EQ(NSData::dataWithBytesLength(nullptr, 0)->length(), 0u);
-    EXPECT_EQ(raisedName([] { NSData::dataWithBytesLength(nullptr, 3); }),
-              "NSInvalidArgumentException");
-}
-
 TEST(Data, SubdataChecksItsRange) {
     objc::AutoreleasePool pool;
     auto data = NSData::create(std::string_view("abcdef"));

@@ -196,20 +196,4 @@ TEST(Dictionary, HoldsKeysAndValuesUntilRemoved) {
     EXPECT_EQ(DictionaryTestKey::deaths - before, 6);
 }
 
-TEST(Dictionary, EqualityIgnoresOrderAndAgreesWithHash) {
-    objc::AutoreleasePool pool;
-    auto one = NSDictionary::create({{str("a"), str("1")}, {str("b"), str("2")}});
-    auto two = NSMutableDictionary::create({{str("b"), str("2")}, {str("a"), str("1")}});
-    EXPECT_TRUE(one->isEqual(two));
-    EXPECT_TRUE(two->isEqualToDictionary(one));
-    EXPECT_EQ(one->hash(), two->hash());
-    two->setObjectForKey(str("changed"), str("b"));
-    EXPECT_FALSE(one->isEqual(two));
-    EXPECT_FALSE(one->isEqual(NSArray::array()));
-    // Dictionaries as keys of dictionaries.
-    auto outer = NSDictionary::create({{one, str("found")}});
-    auto probe = NSDictionary::create({{str("b"), str("2")}, {str("a"), str("1")}});
-    EXPECT_EQ(text(outer->objectForKey(probe)), "found");
-}
-
 }  // namespace

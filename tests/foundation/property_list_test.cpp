@@ -99,37 +99,6 @@ TEST(PropertyList, DatesKeepWholeSecondsInXMLAndMicrosecondsInBinary) {
     EXPECT_EQ(xml->interval(), 700000000.0);
 }
 
-TEST(PropertyList, RefusesObjectsThatAreNotPropertyLists) {
-    objc::AutoreleasePool pool;
-    const auto stranger = objc::make<NSObject>();
-    const auto nested =
-        NSDictionary::create({{S("list"), NSArray::create({S("ok"), stranger.get()}).get()}});
-    NSError* error = nullptr;
-    EXPECT_EQ(NSPropertyListSerialization::dataWithPropertyList(
-                  nested, NSPropertyListBinaryFormat_v1_0, 0, &error),
-              nullptr);
-    ASSERT_NE(error, nullptr);
-    EXPECT_TRUE(error->domain()->isEqual(NSCocoaErrorDomain));
-    EXPECT_EQ(error->code(), NSPropertyListWriteInvalidError);
-    const std::string message = error->localizedDescription()->utf8();
-    EXPECT_NE(message.find("NSObject"), std::string::npos) << message;
-    EXPECT_NE(message.find("list[1]"), std::string::npos) << message;
-    const auto numberKey = NSDictionary::create({{NSNumber::create(1).get(), S("v")}});
-    EXPECT_FALSE(NSPropertyListSerialization::propertyListIsValidForFormat(
-        numberKey, NSPropertyListXMLFormat_v1_0));
-    EXPECT_FALSE(NSPropertyListSerialization::propertyListIsValidForFormat(
-        nested, NSPropertyListXMLFormat_v1_0));
-    // Passing no error pointer is allowed; the OpenStep format cannot be written.
-    EXPECT_EQ(NSPropertyListSerialization::dataWithPropertyList(
-                  stranger, NSPropertyListXMLFormat_v1_0, 0, nullptr),
-              nullptr);
-    error = nullptr;
-    EXPECT_EQ(NSPropertyListSerialization::dataWithPropertyList(
-                  S("x"), NSPropertyListOpenStepFormat, 0, &error),
-              nullptr);
-    EXPECT_EQ(error->code(), NSPropertyListWriteInvalidError);
-}
-
 TEST(PropertyList, ContainersThatHoldThemselvesAreRefusedNotFollowed) {
     objc::AutoreleasePool pool;
     const auto loop = NSMutableArray::create();

@@ -79,20 +79,4 @@ TEST_F(URLTest, RelativeFilePathsResolveAgainstTheCurrentDirectory) {
     EXPECT_EQ(text(NSURL::fileURLWithPath(S("http://x/a"))->path()), cwd + "/http://x/a");
 }
 
-TEST_F(URLTest, PathEditing) {
-    NSURL* base = NSURL::URLWithString(S("http://h/dir/file.tar.gz?q=1"));
-    EXPECT_EQ(text(base->URLByDeletingLastPathComponent()->absoluteString()), "http://h/dir/?q=1");
-    EXPECT_EQ(text(base->URLByDeletingPathExtension()->absoluteString()),
-              "http://h/dir/file.tar?q=1");
-    EXPECT_EQ(text(base->URLByAppendingPathExtension(S("sig"))->absoluteString()),
-              "http://h/dir/file.tar.gz.sig?q=1");
-    NSURL* folder = NSURL::URLWithString(S("http://h/dir"));
-    EXPECT_EQ(text(folder->URLByAppendingPathComponent(S("a b"))->absoluteString()),
-              "http://h/dir/a%20b");
-    EXPECT_EQ(text(folder->URLByAppendingPathComponent(S("sub"), true)->absoluteString()),
-              "http://h/dir/sub/");
-    NSURL* file = NSURL::fileURLWithPath(S("/tmp/a.zip"), false);
-    EXPECT_EQ(text(file->URLByDeletingLastPathComponent()->absoluteString()), "file:///tmp/");
-}
-
 }  // namespace

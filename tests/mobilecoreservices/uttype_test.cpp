@@ -69,22 +69,6 @@ TEST(UTTypeLookup, ExtensionTypeAndMimeTypeBothWays) {
     EXPECT_EQ(extensions[1], "jpg");
 }
 
-TEST(UTTypeDynamic, UnknownExtensionGetsAReversibleDynamicIdentifier) {
-    objc::AutoreleasePool pool;
-    const auto uti = forExtension("pvx123");
-    EXPECT_TRUE(uti.starts_with("dyn.")) << uti;
-    EXPECT_EQ(forExtension("PVX123"), uti);  // deterministic, in any case
-    EXPECT_NE(forExtension("pvx124"), uti);
-    EXPECT_EQ(extensionOf(uti), "pvx123");
-    EXPECT_EQ(mimeTypeOf(uti), "<nil>");
-    EXPECT_TRUE(conforms(uti, "public.data"));
-    EXPECT_FALSE(conforms(uti, "public.image"));
-    EXPECT_TRUE(UTTypeIsDynamic(str(uti)));
-    EXPECT_FALSE(UTTypeIsDeclared(str(uti)));
-    EXPECT_TRUE(UTTypeEqual(str("COM.ADOBE.PDF"), kUTTypePDF));  // in any case
-    EXPECT_FALSE(UTTypeEqual(kUTTypePDF, kUTTypeData));
-}
-
 TEST(UTTypeConformance, TransitiveOverTheGraph) {
     objc::AutoreleasePool pool;
     EXPECT_TRUE(conforms("public.jpeg", "public.data"));

@@ -262,16 +262,6 @@ TEST(Invocation, LargeStructArgumentsOutliveTheCall) {
     EXPECT_EQ(result, CGRectMake(1, 1, 8, 18));
 }
 
-TEST(Invocation, ANilTargetZeroesTheResult) {
-    objc::AutoreleasePool pool;
-    NSInvocation* inv = recorderInvocation(nullptr, sel<"add:">(), 5L);
-    long result = 99;
-    inv->setReturnValue(&result);
-    inv->invoke();
-    inv->getReturnValue(&result);
-    EXPECT_EQ(result, 0);
-}
-
 TEST(Invocation, KeptAndReplayedOnAnotherTarget) {
     auto first = objc::make<InvRecorder>();
     auto second = objc::make<InvRecorder>();

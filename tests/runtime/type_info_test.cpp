@@ -67,32 +67,6 @@ TEST(TypeInfoTest, SizesAndAlignments) {
     }
 }
 
-TEST(TypeInfoTest, StructureIsDescribed) {
-    const TypeInfo rect = parse("{CGRect={CGPoint=dd}{CGSize=dd}}");
-    EXPECT_EQ(rect.name, "CGRect");
-    ASSERT_EQ(rect.elements.size(), 2u);
-    EXPECT_EQ(rect.elements[1].name, "CGSize");
-    EXPECT_EQ(rect.elements[1].encoding, "{CGSize=dd}");
-    EXPECT_EQ(rect.elements[1].elements[0].kind, Kind::Double);
-
-    const TypeInfo array = parse("[12^{CGPoint=dd}]");
-    EXPECT_EQ(array.count, 12u);
-    ASSERT_EQ(array.elements.size(), 1u);
-    EXPECT_EQ(array.elements[0].pointee->name, "CGPoint");
-
-    for (const char* text : {"^{CGColor=}", "^{Opaque}", "^{}"}) {
-        const TypeInfo ptr = parse(text);
-        EXPECT_EQ(ptr.kind, Kind::Pointer);
-        EXPECT_EQ(ptr.size, 8u);
-        ASSERT_NE(ptr.pointee, nullptr);
-        EXPECT_EQ(ptr.pointee->kind, Kind::Struct);
-    }
-    EXPECT_TRUE(parse("^{Opaque}").pointee->incomplete);
-    EXPECT_FALSE(parse("^{CGColor=}").pointee->incomplete);
-    EXPECT_EQ(parse("^?").pointee->kind, Kind::Unknown);
-    EXPECT_EQ(parse("b12").count, 12u);
-}
-
 TEST(TypeInfoTest, MethodEncodingsAndOffsets) {
     const auto types = objc::parseMethodEncoding("v24@0:8@16");
     ASSERT_EQ(types.size(), 4u);

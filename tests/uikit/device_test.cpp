@@ -6,13 +6,6 @@ namespace {
 
 using DeviceTest = UIKitTest;
 
-TEST_F(DeviceTest, NamedProfilesForTheCommandLine) {
-    EXPECT_EQ(uikit::DeviceProfile::named("iphone")->name, "iPhone 6s");
-    EXPECT_EQ(uikit::DeviceProfile::named("IPAD")->idiom, UIUserInterfaceIdiomPad);
-    EXPECT_EQ(uikit::DeviceProfile::named("ipad-pro")->screenSize, CGSizeMake(1024, 1366));
-    EXPECT_FALSE(uikit::DeviceProfile::named("nokia").has_value());
-}
-
 TEST_F(DeviceTest, VersionsCompareNumericallyNotAsText) {
     auto profile = uikit::DeviceProfile::iPadAir2();
     profile.systemVersion = "7.1.2";

@@ -30,16 +30,4 @@ TEST_F(DocumentMenuTest, OptionsRunTheirHandlerAfterTheMenuIsDismissed) {
     EXPECT_FALSE(menu->chooseOption(2));
 }
 
-TEST_F(DocumentMenuTest, CancellingTellsTheDelegate) {
-    auto delegate = objc::make<RecordingDelegate>();
-    auto presenter = UIViewController::create();
-    auto menu = UIDocumentMenuViewController::create(nullptr, UIDocumentPickerModeImport);
-    menu->setDelegate(delegate.get());
-    presenter->presentViewController(menu.get(), false, nullptr);
-    menu->cancel();
-    drain();
-    EXPECT_EQ(presenter->presentedViewController(), nullptr);
-    EXPECT_EQ(delegate->log, std::vector<std::string>{"menuCancelled"});
-}
-
 }  // namespace
