@@ -80,23 +80,6 @@ TEST(DispatchMainQueue, RunsOnlyOnTheMainThreadWhenTheLoopRuns) {
     EXPECT_TRUE(onMain.load());
 }
 
-TEST(DispatchMainQueue, RunsInFifoOrderAndWorkQueuedByWorkAfterwards) {
-    objc::AutoreleasePool pool;
-    std::vector<int> order;  // main thread only
-    for (int i = 0; i < 50; ++i) {
-        dispatch_async(dispatch_get_main_queue(), [&order, i] {
-            order.push_back(i);
-            if (i == 0) {
-                dispatch_async(dispatch_get_main_queue(), [&order] { order.push_back(100); });
-            }
-        });
-    }
-    foundation::runMainLoopUntilIdle(false);
-    ASSERT_EQ(order.size(), 51u);
-    for (int i = 0; i < 50; ++i) EXPECT_EQ(order[i], i);
-    EXPECT_EQ(order.back(), 100);
-}
-
 // The download pattern: fetch on a worker, hand the result back to the main
 // thread, and let the test (or host) run the loop until it has arrived.
 TEST(DispatchMainQueue, BackgroundResultHandedBackRunsOnTheNextDrain) {

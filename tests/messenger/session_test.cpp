@@ -45,26 +45,6 @@ TEST_F(Session, SetSaysWhenItsValueCouldNotBeSaved) {
     EXPECT_TRUE(contains(r.err, "the settings could not be saved")) << r.err;
 }
 
-TEST_F(Session, ScreensFollowTheCommands) {
-    const Result r = send("chat bob\nback\nsettings\nback\nback\n");
-    ASSERT_EQ(r.status, 0) << r.err;
-    const std::string& out = r.out;
-    const auto chats = out.find("== Chats ==");
-    const auto bob = out.find("== Bob ==");
-    const auto settings = out.find("== Settings ==");
-    ASSERT_NE(chats, std::string::npos) << out;
-    ASSERT_NE(bob, std::string::npos) << out;
-    ASSERT_NE(settings, std::string::npos) << out;
-    EXPECT_LT(chats, bob);
-    EXPECT_LT(bob, settings);
-    EXPECT_TRUE(contains(out, "Bob: Lunch tomorrow?"));
-    EXPECT_TRUE(contains(out, "Account"));
-    EXPECT_TRUE(contains(out, "Already at the first screen."));
-    // From a pipe, each command is echoed before what it printed.
-    EXPECT_TRUE(contains(out, "> chat bob\n== Bob ==")) << out;
-    EXPECT_TRUE(contains(out, "> back\nWent back.\n== Chats ==")) << out;
-}
-
 TEST_F(Session, MistakesAreExplainedAndTheSessionGoesOn) {
     const Result r = send(
         "frobnicate\nchat nobody\x1b[2J\x07\xc2\x9b\nset lonely\nset k\x1b]0;t\x07 v\nhelp\nquit\n"
