@@ -12,14 +12,30 @@
 
 namespace {
 
-const std::filesystem::path& folder() {
-    static const std::filesystem::path path = [] {
+// Made at the first input and removed with everything in it at exit.
+class ScratchFolder {
+  public:
+    ScratchFolder() {
         std::string name =
             (std::filesystem::temp_directory_path() / "defaults-fuzz-XXXXXX").string();
         if (::mkdtemp(name.data()) == nullptr) std::abort();
-        return std::filesystem::path(name);
-    }();
-    return path;
+        path_ = name;
+    }
+    ~ScratchFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+    const std::filesystem::path& path() const { return path_; }
+
+  private:
+    std::filesystem::path path_;
+};
+
+const std::filesystem::path& folder() {
+    static const ScratchFolder scratch;
+    return scratch.path();
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // NSFileManager over real files: refusals report why and never lose data.
-#include "temp_folder.h"
+#include "scratch_folder.h"
 
 #include <Foundation/NSError.h>
 #include <Foundation/NSFileManager.h>
@@ -16,13 +16,13 @@ namespace fs = std::filesystem;
 
 TEST(FileManager, CopiesMovesAndRemovesWithoutLosingAnything) {
     objc::AutoreleasePool pool;
-    TempFolder temp;
+    const testsupport::ScratchFolder temp{"pv-devtools"};
     NSFileManager* fm = NSFileManager::defaultManager();
     NSError* error = nullptr;
     const auto str = [](const std::string& s) {
         return objc::autorelease(NSString::create(s).leak());
     };
-    temp.file("src/inner/deep.txt", 3);
+    temp.write("src/inner/deep.txt", std::string(3, 'x'));
     temp.link("src/link", "inner/deep.txt");
     ASSERT_TRUE(fm->copyItemAtPath(str(temp / "src"), str(temp / "dst"), &error));
     EXPECT_EQ(fs::file_size(temp / "dst/inner/deep.txt"), 3u);
@@ -34,8 +34,8 @@ TEST(FileManager, CopiesMovesAndRemovesWithoutLosingAnything) {
     EXPECT_FALSE(fm->copyItemAtPath(str(temp / "missing"), str(temp / "x"), &error));
     EXPECT_EQ(error->code(), ENOENT);
 
-    temp.file("a", 7);
-    temp.file("c");
+    temp.write("a", std::string(7, 'x'));
+    temp.write("c");
     EXPECT_FALSE(fm->moveItemAtPath(str(temp / "a"), str(temp / "c"), &error));
     EXPECT_EQ(error->code(), EEXIST);
     EXPECT_EQ(fs::file_size(temp / "a"), 7u);

@@ -12,11 +12,11 @@
 #include <random>
 #include <string>
 
-#include "test_helpers.h"
+#include "foundation_helpers.h"
 
 namespace {
 
-using namespace testing_support;
+using namespace testsupport;
 
 // Counts its deaths, so that tests see exactly when an array lets go.
 class ArrayTestTracked : public NSObject {
@@ -44,17 +44,6 @@ objc::Exception raised(F&& f) {
 
 objc::Strong<NSString> str(const char* s) {
     return NSString::create(s);
-}
-
-TEST(Array, AnswersItsElementsInOrder) {
-    objc::AutoreleasePool pool;
-    auto a = str("a"), b = str("b"), c = str("c");
-    auto array = NSArray::create({a, b, c});
-    std::vector<id> seen;
-    for (id element : *array) seen.push_back(element);
-    EXPECT_EQ(seen, (std::vector<id>{a, b, c}));
-    EXPECT_EQ(NSArray::array()->firstObject(), nullptr);
-    EXPECT_EQ(NSArray::array()->lastObject(), nullptr);
 }
 
 TEST(Array, IndexErrorsRaiseRangeExceptionsWithThePlatformWording) {
@@ -123,20 +112,6 @@ TEST(Array, MutationDuringEnumerationRaisesInsteadOfMisbehaving) {
     EXPECT_EQ(array->count(), 1u);
 }
 
-TEST(Array, EnumerationVisitsInOrderAndStops) {
-    objc::AutoreleasePool pool;
-    auto array = NSArray::create({NSSTR("a"), NSSTR("b"), NSSTR("c")});
-    std::string visited;
-    auto block = objc::makeBlock<void(id, NSUInteger, bool*)>([&](id o, NSUInteger i, bool* stop) {
-        visited += text(static_cast<NSString*>(o)) + std::to_string(i);
-        *stop = i == 1;
-    });
-    array->enumerateObjectsUsingBlock(block);
-    EXPECT_EQ(visited, "a0b1");
-    EXPECT_EQ(raised([&] { array->enumerateObjectsUsingBlock(nullptr); }).name(),
-              "NSInvalidArgumentException");
-}
-
 TEST(Array, EqualityFollowsElementsAndAgreesWithHash) {
     objc::AutoreleasePool pool;
     // Built separately: equal, never identical.
@@ -159,19 +134,6 @@ TEST(Array, EqualityFollowsElementsAndAgreesWithHash) {
     EXPECT_EQ(text(array->componentsJoinedByString(NSSTR(","))), "b,c");
     array->removeObject(str("absent"));
     EXPECT_EQ(array->count(), 2u);
-}
-
-TEST(Array, DerivedArraysAndJoining) {
-    objc::AutoreleasePool pool;
-    auto array = NSArray::create({NSSTR("a"), NSSTR("b"), NSSTR("c"), NSSTR("d")});
-    EXPECT_EQ(
-        text(array->subarrayWithRange(NSMakeRange(1, 2))->componentsJoinedByString(NSSTR("-"))),
-        "b-c");
-    EXPECT_EQ(array->subarrayWithRange(NSMakeRange(4, 0))->count(), 0u);
-    EXPECT_EQ(array->arrayByAddingObjectsFromArray(array)->count(), 8u);
-    auto mixed = NSArray::create({NSNumber::numberWithInt(7), NSSTR("x"), NSNull::null()});
-    EXPECT_EQ(text(mixed->componentsJoinedByString(NSSTR(", "))), "7, x, <null>");
-    EXPECT_EQ(text(NSArray::array()->componentsJoinedByString(NSSTR(","))), "");
 }
 
 TEST(Array, SortsStablyBySelectorAndByComparator) {
@@ -270,18 +232,6 @@ TEST(Array, CopiesAreImmutableSnapshots) {
     mutableCopy->removeAllObjects();
     EXPECT_EQ(snapshot->count(), 2u);
     EXPECT_FALSE(snapshot->respondsToSelector(objc::sel<"addObject:">()));
-}
-
-TEST(Null, IsOneImmortalPlaceholder) {
-    objc::AutoreleasePool pool;
-    NSNull* null = NSNull::null();
-    EXPECT_EQ(null, NSNull::null());
-    objc_release(null);
-    objc_release(null);
-    EXPECT_GE(objc_retainCount(null), objc_object::kImmortalRefs);
-    // It stands in for nil where collections refuse nil.
-    auto array = NSArray::create({NSSTR("a"), null});
-    EXPECT_TRUE(array->containsObject(NSNull::null()));
 }
 
 }  // namespace

@@ -13,12 +13,12 @@
 #include <thread>
 #include <vector>
 
-#include "temp_folder.h"
-#include "test_helpers.h"
+#include "foundation_helpers.h"
+#include "scratch_folder.h"
 
 namespace {
 
-using namespace testing_support;
+using namespace testsupport;
 
 // A bundle like the host's: English development region, French and Arabic
 // translations, some resources.
@@ -58,7 +58,7 @@ class BundleTest : public ::testing::Test {
     }
 
     objc::AutoreleasePool pool_;
-    TempFolder folder_;
+    ScratchFolder folder_;
     NSBundle* bundle_ = nullptr;
 };
 
@@ -83,7 +83,7 @@ TEST_F(BundleTest, OneObjectPerFolderAndItsLocalisedInfoDictionary) {
 
 TEST(Bundle, BinaryInfoPlistAndBundlesWithoutOne) {
     objc::AutoreleasePool pool;
-    TempFolder folder;
+    ScratchFolder folder;
     NSData* binary = NSPropertyListSerialization::dataWithPropertyList(
         NSDictionary::create({{S("CFBundleIdentifier"), S("net.example.binary")},
                               {S("CFBundleDevelopmentRegion"), S("fr")}}),
@@ -103,16 +103,6 @@ TEST(Bundle, BinaryInfoPlistAndBundlesWithoutOne) {
     folder.write("broken/Info.plist", "garbage");
     EXPECT_EQ(NSBundle::bundleWithPath(S((folder / "broken").c_str()))->infoDictionary()->count(),
               0u);
-}
-
-TEST_F(BundleTest, PreferredLocalizationsFollowTheUsersLanguages) {
-    EXPECT_EQ(texts(bundle_->localizations()), (std::vector<std::string>{"ar", "en", "fr"}));
-    prefer({"fr-CA"});
-    EXPECT_EQ(texts(bundle_->preferredLocalizations()), std::vector<std::string>{"fr"});
-    prefer({"de"});
-    EXPECT_EQ(texts(bundle_->preferredLocalizations()), std::vector<std::string>{"en"});
-    prefer({"de-DE", "ar-EG", "fr"});
-    EXPECT_EQ(texts(bundle_->preferredLocalizations()), (std::vector<std::string>{"ar", "fr"}));
 }
 
 TEST(Bundle, LocalizationMatchingRules) {
@@ -168,14 +158,6 @@ TEST_F(BundleTest, ResourcesAreFoundInTheFolderThenInTheLocalisation) {
     prefer({"de"});
     EXPECT_EQ(text(bundle_->pathForResource(S("welcome"), S("html"))),
               folder_ / "en.lproj/welcome.html");
-}
-
-TEST_F(BundleTest, MainBundleFollowsTheProcessConfiguration) {
-    foundation::configureProcess({"", folder_.path(), {"fr"}});
-    EXPECT_EQ(NSBundle::mainBundle(), bundle_);
-    EXPECT_EQ(text(NSLocalizedString(S("Settings"), nullptr)), "Réglages");
-    foundation::configureProcess({});
-    EXPECT_NE(NSBundle::mainBundle(), bundle_);  // the executable's folder
 }
 
 TEST_F(BundleTest, TranslationsFromManyThreadsAtOnce) {

@@ -11,12 +11,12 @@
 #include <string>
 #include <thread>
 
-#include "temp_folder.h"
-#include "test_helpers.h"
+#include "foundation_helpers.h"
+#include "scratch_folder.h"
 
 namespace {
 
-using namespace testing_support;
+using namespace testsupport;
 
 namespace fs = std::filesystem;
 
@@ -27,34 +27,11 @@ std::string contents(NSData* data) {
 class DataFiles : public ::testing::Test {
   protected:
     objc::Strong<NSString> pathOf(const std::string& name) const {
-        return NSString::create(folder_ / name);
+        return NSString::create((folder_ / name).string());
     }
 
-    testing_support::TempFolder folder_;
+    testsupport::ScratchFolder folder_;
 };
-
-TEST(Data, CopiesItsBytesAndComparesByContent) {
-    objc::AutoreleasePool pool;
-    char source[] = "Hello";
-    NSData* data = NSData::dataWithBytesLength(source, 5);
-    source[0] = 'J';  // the data owns a copy
-    EXPECT_EQ(std::string(static_cast<const char*>(data->bytes()), data->length()), "Hello");
-    auto same = NSData::create(std::string_view("Hello"));
-    EXPECT_TRUE(data->isEqual(same));
-    EXPECT_EQ(data->hash(), same->hash());
-    EXPECT_FALSE(data->isEqual(NSData::create(std::string_view("Hellp"))));
-    EXPECT_FALSE(data->isEqual(NSSTR("Hello")));
-    // Hashing stops early, but equality still sees every byte.
-    const std::string longText(200, 'x');
-    std::string otherText = longText;
-    otherText.back() = 'y';
-    auto a = NSData::create(std::string_view(longText));
-    auto b = NSData::create(std::string_view(otherText));
-    EXPECT_FALSE(a->isEqual(b));
-    EXPECT_EQ(NSData::dataWithBytesLength(nullptr, 0)->length(), 0u);
-    EXPECT_EQ(raisedName([] { NSData::dataWithBytesLength(nullptr, 3); }),
-              "NSInvalidArgumentException");
-}
 
 TEST(Data, SubdataChecksItsRange) {
     objc::AutoreleasePool pool;
@@ -64,27 +41,6 @@ TEST(Data, SubdataChecksItsRange) {
     EXPECT_EQ(raisedName([&] { data->subdataWithRange(NSMakeRange(4, 3)); }), "NSRangeException");
     EXPECT_EQ(raisedName([&] { data->subdataWithRange(NSMakeRange(1, NSUIntegerMax)); }),
               "NSRangeException");
-}
-
-TEST(Data, MutableDataGrowsShrinksAndCopiesOut) {
-    objc::AutoreleasePool pool;
-    NSMutableData* data = NSMutableData::data();
-    data->appendBytesLength("ab", 2);
-    data->appendData(NSData::create(std::string_view("cd")));
-    data->appendData(data);  // appending itself doubles it
-    EXPECT_EQ(contents(data), "abcdabcd");
-    static_cast<char*>(data->mutableBytes())[0] = 'A';
-    EXPECT_EQ(contents(data), "Abcdabcd");
-    data->setLength(2);
-    EXPECT_EQ(contents(data), "Ab");
-    data->setLength(4);
-    EXPECT_EQ(contents(data), std::string("Ab\0\0", 4));
-    EXPECT_EQ(raisedName([&] { data->appendBytesLength(nullptr, 1); }),
-              "NSInvalidArgumentException");
-    auto snapshot = objc::adopt(static_cast<NSData*>(data->copy()));
-    EXPECT_EQ(object_getClass(snapshot), NSData::objcClass());
-    data->setLength(0);
-    EXPECT_EQ(snapshot->length(), 4u);
 }
 
 TEST_F(DataFiles, RoundTripsThroughFiles) {
@@ -123,7 +79,7 @@ TEST_F(DataFiles, AtomicWritesNeverShowAPartialFileAndLeaveNoTemporary) {
     std::atomic<int> torn{0};
     std::thread reader([&] {
         while (!done.load()) {
-            const std::string seen = testing_support::readAll(target);
+            const std::string seen = testsupport::readFile(target);
             if (seen != first && seen != second) ++torn;
         }
     });
@@ -139,7 +95,7 @@ TEST_F(DataFiles, AtomicWritesNeverShowAPartialFileAndLeaveNoTemporary) {
     reader.join();
     EXPECT_EQ(torn.load(), 0);
     EXPECT_EQ(std::distance(fs::directory_iterator(folder_.path()), fs::directory_iterator()), 1);
-    EXPECT_EQ(testing_support::readAll(target), first);
+    EXPECT_EQ(testsupport::readFile(target), first);
 }
 
 TEST_F(DataFiles, LoadsFileURLsAndAsksTheLoaderForOthers) {

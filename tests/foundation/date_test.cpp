@@ -6,11 +6,11 @@
 
 #include <string>
 
-#include "test_helpers.h"
+#include "foundation_helpers.h"
 
 namespace {
 
-using namespace testing_support;
+using namespace testsupport;
 
 TEST(Date, ReferenceDateAndArithmeticAcrossLeapDaysAndBeforeTheEpoch) {
     objc::AutoreleasePool pool;
@@ -29,23 +29,6 @@ TEST(Date, ReferenceDateAndArithmeticAcrossLeapDaysAndBeforeTheEpoch) {
               "1969-01-01 00:00:00 +0000");
     EXPECT_EQ(text(NSDate::distantFuture()->description()), "4001-01-01 00:00:00 +0000");
     EXPECT_LT(NSDate::distantPast()->timeIntervalSinceReferenceDate(), -6.3e10);
-}
-
-TEST(Date, ComparesOrdersAndHashesByInstant) {
-    objc::AutoreleasePool pool;
-    auto early = NSDate::create(10);
-    auto late = NSDate::create(20);
-    auto alsoEarly = NSDate::create(10);
-    EXPECT_EQ(late->compare(early), NSOrderedDescending);
-    EXPECT_EQ(early->compare(alsoEarly), NSOrderedSame);
-    EXPECT_TRUE(early->isEqual(alsoEarly));
-    EXPECT_EQ(early->hash(), alsoEarly->hash());
-    EXPECT_FALSE(early->isEqual(NSSTR("10")));
-    EXPECT_EQ(NSDate::create(0.0)->hash(), NSDate::create(-0.0)->hash());
-    EXPECT_EQ(early->laterDate(late), late.get());
-    auto byDate = NSDictionary::create({{early, NSSTR("ten")}});
-    EXPECT_EQ(text(static_cast<NSString*>(byDate->objectForKey(alsoEarly))), "ten");
-    EXPECT_THROW(early->compare(nullptr), objc::Exception);
 }
 
 }  // namespace

@@ -12,11 +12,11 @@
 
 #include <string>
 
-#include "test_helpers.h"
+#include "foundation_helpers.h"
 
 namespace {
 
-using namespace testing_support;
+using namespace testsupport;
 
 // A key with a value of its own: equal by value, hashed into few buckets so
 // that collisions are common, copied into a new object, and counted.
@@ -61,19 +61,6 @@ objc::Strong<NSString> str(const std::string& s) {
 
 std::string joined(NSArray* array) {
     return text(array->componentsJoinedByString(NSSTR(",")));
-}
-
-TEST(Dictionary, KeysBuiltSeparatelyFindEachOther) {
-    objc::AutoreleasePool pool;
-    auto dict = NSDictionary::create({{str("name"), str("Ada")}, {str("lang"), str("en")}});
-    auto probe = str("name");
-    EXPECT_EQ(text(dict->objectForKey(probe)), "Ada");
-    EXPECT_EQ(dict->objectForKey(str("absent")), nullptr);
-    EXPECT_EQ(dict->objectForKey(nullptr), nullptr);
-    // A later pair with an equal key wins.
-    auto twice = NSDictionary::create({{str("k"), str("1")}, {str("k"), str("2")}});
-    EXPECT_EQ(twice->count(), 1u);
-    EXPECT_EQ(text(twice->objectForKey(NSSTR("k"))), "2");
 }
 
 TEST(Dictionary, MutableKeysAreCopiedOnInsertion) {
@@ -207,51 +194,6 @@ TEST(Dictionary, HoldsKeysAndValuesUntilRemoved) {
     }
     // The dictionary's death released the rest; nothing is left alive.
     EXPECT_EQ(DictionaryTestKey::deaths - before, 6);
-}
-
-TEST(Dictionary, EqualityIgnoresOrderAndAgreesWithHash) {
-    objc::AutoreleasePool pool;
-    auto one = NSDictionary::create({{str("a"), str("1")}, {str("b"), str("2")}});
-    auto two = NSMutableDictionary::create({{str("b"), str("2")}, {str("a"), str("1")}});
-    EXPECT_TRUE(one->isEqual(two));
-    EXPECT_TRUE(two->isEqualToDictionary(one));
-    EXPECT_EQ(one->hash(), two->hash());
-    two->setObjectForKey(str("changed"), str("b"));
-    EXPECT_FALSE(one->isEqual(two));
-    EXPECT_FALSE(one->isEqual(NSArray::array()));
-    // Dictionaries as keys of dictionaries.
-    auto outer = NSDictionary::create({{one, str("found")}});
-    auto probe = NSDictionary::create({{str("b"), str("2")}, {str("a"), str("1")}});
-    EXPECT_EQ(text(outer->objectForKey(probe)), "found");
-}
-
-TEST(Dictionary, ConstructorsCopiesAndMerging) {
-    objc::AutoreleasePool pool;
-    auto keys = NSArray::create({NSSTR("x"), NSSTR("y")});
-    auto values = NSArray::create({NSSTR("1"), NSSTR("2")});
-    NSDictionary* built = NSDictionary::dictionaryWithObjectsForKeys(values, keys);
-    EXPECT_EQ(text(built->objectForKey(NSSTR("y"))), "2");
-    auto mutableCopy = objc::adopt(static_cast<NSMutableDictionary*>(built->mutableCopy()));
-    mutableCopy->setObjectForKey(NSSTR("3"), NSSTR("z"));
-    EXPECT_EQ(built->count(), 2u);
-    auto snapshot = objc::adopt(static_cast<NSDictionary*>(mutableCopy->copy()));
-    EXPECT_EQ(object_getClass(snapshot), NSDictionary::objcClass());
-    mutableCopy->removeAllObjects();
-    EXPECT_EQ(snapshot->count(), 3u);
-    auto merged =
-        NSMutableDictionary::create({{NSSTR("x"), NSSTR("old")}, {NSSTR("w"), NSSTR("0")}});
-    merged->addEntriesFromDictionary(snapshot);
-    merged->addEntriesFromDictionary(merged);
-    EXPECT_EQ(merged->count(), 4u);
-    EXPECT_EQ(text(merged->objectForKey(NSSTR("x"))), "1");
-}
-
-TEST(Dictionary, SortsKeysByValue) {
-    objc::AutoreleasePool pool;
-    auto dict = NSDictionary::create({{NSSTR("b"), NSNumber::numberWithInt(3)},
-                                      {NSSTR("a"), NSNumber::numberWithInt(9)},
-                                      {NSSTR("c"), NSNumber::numberWithInt(1)}});
-    EXPECT_EQ(joined(dict->keysSortedByValueUsingSelector(objc::sel<"compare:">())), "c,b,a");
 }
 
 }  // namespace

@@ -108,26 +108,6 @@ TEST_F(CenterTest, FiltersByNameAndSender) {
     EXPECT_EQ(bySender->heard, (std::vector<std::string>{"B", "C"}));
 }
 
-TEST_F(CenterTest, DeliversTheSameNotificationWithItsUserInfo) {
-    NSNotification* received = nullptr;  // only compared after the post
-    NSDictionary* receivedInfo = nullptr;
-    listener->onHear = [&](NSNotification* n) {
-        received = n;
-        receivedInfo = n->userInfo();
-    };
-    center->addObserver(listener.get(), heardSelector(), NSSTR("Info"), nullptr);
-    auto info = NSDictionary::create({{NSSTR("count"), NSSTR("3")}});
-    center->postNotificationName(NSSTR("Info"), sender1.get(), info.get());
-    EXPECT_EQ(receivedInfo, info.get());
-    auto note = NSNotification::create(NSSTR("Info"), sender2.get());
-    EXPECT_EQ(objc_retainCount(sender2.get()), 2u);  // the notification holds its sender
-    center->postNotification(note.get());
-    EXPECT_EQ(received, note.get());
-    EXPECT_THROW(NSNotification::create(nullptr, nullptr), objc::Exception);
-    EXPECT_THROW(center->postNotificationName(nullptr, nullptr), objc::Exception);
-    EXPECT_THROW(center->addObserver(nullptr, heardSelector(), nullptr, nullptr), objc::Exception);
-}
-
 TEST_F(CenterTest, DeliversInOrderOfRegistrationOnThePostingThread) {
     std::vector<std::string> log;
     std::vector<objc::Strong<NotificationTestListener>> listeners;

@@ -18,21 +18,6 @@ std::string type(NSNumber* n) {
     return n->objCType();
 }
 
-TEST_F(NumberTest, StoredKindsAndEncodings) {
-    EXPECT_EQ(type(NSNumber::numberWithBool(true)), "c");
-    EXPECT_EQ(type(NSNumber::numberWithInteger(1)), "q");
-    EXPECT_EQ(type(NSNumber::numberWithUnsignedLongLong(ULLONG_MAX)), "Q");
-    EXPECT_EQ(type(NSNumber::numberWithUnsignedInt(1)), "q");  // widened to fit, signed
-    EXPECT_EQ(type(NSNumber::create(short{3})), "s");
-    EXPECT_EQ(NSNumber::numberWithUnsignedLongLong(ULLONG_MAX)->kind(), NSNumber::Kind::Unsigned);
-}
-
-TEST_F(NumberTest, BooleansAreTwoSharedInstances) {
-    EXPECT_EQ(NSNumber::create(false).get(), NSNumber::numberWithBool(false));
-    auto initialised = objc::adopt(objc::alloc<NSNumber>()->initWithBool(true));
-    EXPECT_EQ(initialised.get(), NSNumber::numberWithBool(true));
-}
-
 // Small integers are shared per encoding and need no counting; the sharing
 // must not change a number's encoding or reach beyond its range.
 TEST_F(NumberTest, SmallIntegersAreSharedPerEncodingAndNeverCounted) {
@@ -111,16 +96,6 @@ TEST_F(NumberTest, EqualNumbersHashEqual) {
     sameHash(NSNumber::numberWithDouble(-0.0), NSNumber::numberWithInt(0));
     sameHash(NSNumber::numberWithUnsignedLongLong(1ULL << 63),
              NSNumber::numberWithDouble(9223372036854775808.0));
-}
-
-TEST_F(NumberTest, CompareOrdersByValue) {
-    EXPECT_EQ(NSNumber::numberWithInt(2)->compare(NSNumber::numberWithDouble(2.5)),
-              NSOrderedAscending);
-    EXPECT_EQ(
-        NSNumber::numberWithInt(-1)->compare(NSNumber::numberWithUnsignedLongLong(ULLONG_MAX)),
-        NSOrderedAscending);
-    EXPECT_EQ(NSNumber::numberWithBool(false)->compare(NSNumber::numberWithInt(0)), NSOrderedSame);
-    EXPECT_THROW(NSNumber::numberWithInt(3)->compare(nullptr), objc::Exception);
 }
 
 // A class with scalar properties, reached through key-value coding.

@@ -7,16 +7,16 @@
 
 #include <filesystem>
 
-#include "temp_folder.h"
-#include "test_helpers.h"
+#include "foundation_helpers.h"
+#include "scratch_folder.h"
 
 namespace {
 
-using namespace testing_support;
+using namespace testsupport;
 
 TEST(PathUtilities, FoldersOfTheConfiguredContainer) {
     objc::AutoreleasePool pool;
-    TempFolder home;
+    ScratchFolder home;
     foundation::configureProcess({home.path() + "/", "", {"en"}});
     EXPECT_EQ(NSHomeDirectory()->utf8(), home.path());  // without the trailing slash
     using V = std::vector<std::string>;

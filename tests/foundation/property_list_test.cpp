@@ -15,12 +15,12 @@
 #include <cmath>
 #include <limits>
 
-#include "temp_folder.h"
-#include "test_helpers.h"
+#include "foundation_helpers.h"
+#include "scratch_folder.h"
 
 namespace {
 
-using namespace testing_support;
+using namespace testsupport;
 
 // A list that exercises every kind: nested containers, extreme numbers,
 // non-ASCII text, bytes with zeros, dates.
@@ -99,51 +99,6 @@ TEST(PropertyList, DatesKeepWholeSecondsInXMLAndMicrosecondsInBinary) {
     EXPECT_EQ(xml->interval(), 700000000.0);
 }
 
-TEST(PropertyList, XMLIsTheReadableStandardForm) {
-    objc::AutoreleasePool pool;
-    const auto list = NSDictionary::create(
-        {{S("b"), NSNumber::create(true).get()}, {S("a"), NSNumber::create(2.5).get()}});
-    NSData* data = NSPropertyListSerialization::dataWithPropertyList(
-        list, NSPropertyListXMLFormat_v1_0, 0, nullptr);
-    ASSERT_NE(data, nullptr);
-    const std::string text(data->view());
-    EXPECT_NE(text.find("<true/>"), std::string::npos);
-    EXPECT_NE(text.find("<real>2.5</real>"), std::string::npos);
-    // Keys are sorted, so equal dictionaries encode equally.
-    EXPECT_LT(text.find("<key>a</key>"), text.find("<key>b</key>"));
-}
-
-TEST(PropertyList, RefusesObjectsThatAreNotPropertyLists) {
-    objc::AutoreleasePool pool;
-    const auto stranger = objc::make<NSObject>();
-    const auto nested =
-        NSDictionary::create({{S("list"), NSArray::create({S("ok"), stranger.get()}).get()}});
-    NSError* error = nullptr;
-    EXPECT_EQ(NSPropertyListSerialization::dataWithPropertyList(
-                  nested, NSPropertyListBinaryFormat_v1_0, 0, &error),
-              nullptr);
-    ASSERT_NE(error, nullptr);
-    EXPECT_TRUE(error->domain()->isEqual(NSCocoaErrorDomain));
-    EXPECT_EQ(error->code(), NSPropertyListWriteInvalidError);
-    const std::string message = error->localizedDescription()->utf8();
-    EXPECT_NE(message.find("NSObject"), std::string::npos) << message;
-    EXPECT_NE(message.find("list[1]"), std::string::npos) << message;
-    const auto numberKey = NSDictionary::create({{NSNumber::create(1).get(), S("v")}});
-    EXPECT_FALSE(NSPropertyListSerialization::propertyListIsValidForFormat(
-        numberKey, NSPropertyListXMLFormat_v1_0));
-    EXPECT_FALSE(NSPropertyListSerialization::propertyListIsValidForFormat(
-        nested, NSPropertyListXMLFormat_v1_0));
-    // Passing no error pointer is allowed; the OpenStep format cannot be written.
-    EXPECT_EQ(NSPropertyListSerialization::dataWithPropertyList(
-                  stranger, NSPropertyListXMLFormat_v1_0, 0, nullptr),
-              nullptr);
-    error = nullptr;
-    EXPECT_EQ(NSPropertyListSerialization::dataWithPropertyList(
-                  S("x"), NSPropertyListOpenStepFormat, 0, &error),
-              nullptr);
-    EXPECT_EQ(error->code(), NSPropertyListWriteInvalidError);
-}
-
 TEST(PropertyList, ContainersThatHoldThemselvesAreRefusedNotFollowed) {
     objc::AutoreleasePool pool;
     const auto loop = NSMutableArray::create();
@@ -186,46 +141,6 @@ TEST(PropertyList, CorruptDataGivesAnErrorNotAnObject) {
         ASSERT_NE(error, nullptr);
         EXPECT_EQ(error->code(), NSPropertyListReadCorruptError);
     }
-}
-
-TEST(PropertyList, ReadOptionsChooseMutability) {
-    objc::AutoreleasePool pool;
-    const auto list =
-        NSDictionary::create({{S("items"), NSArray::create({S("a")}).get()}, {S("name"), S("n")}});
-    id containers = roundTrip(list, NSPropertyListXMLFormat_v1_0, NSPropertyListMutableContainers);
-    auto* dictionary = objc::cast<NSMutableDictionary>(containers);
-    ASSERT_NE(dictionary, nullptr);
-    EXPECT_NE(objc::cast<NSMutableArray>(dictionary->objectForKey(S("items"))), nullptr);
-    EXPECT_EQ(objc::cast<NSMutableString>(dictionary->objectForKey(S("name"))), nullptr);
-    id leaves =
-        roundTrip(list, NSPropertyListBinaryFormat_v1_0, NSPropertyListMutableContainersAndLeaves);
-    auto* name = static_cast<NSDictionary*>(leaves)->objectForKey(S("name"));
-    EXPECT_NE(objc::cast<NSMutableString>(name), nullptr);
-}
-
-TEST(CollectionFiles, DictionariesAndArraysWriteAndReadBack) {
-    objc::AutoreleasePool pool;
-    TempFolder folder;
-    const auto list = sampleList();
-    NSString* file = S((folder / "settings.plist").c_str());
-    EXPECT_TRUE(
-        objc::msgSend<bool>(list.get(), objc::sel<"writeToFile:atomically:">(), file, true));
-    id read = objc::msgSend<id>(NSDictionary::objcClass(),
-                                objc::sel<"dictionaryWithContentsOfFile:">(), file);
-    EXPECT_TRUE(list->isEqual(read));
-    EXPECT_FALSE(objc::isKindOf(read, NSMutableDictionary::objcClass()));
-    const auto bad = NSArray::create({objc::make<NSObject>().get()});
-    EXPECT_FALSE(objc::msgSend<bool>(bad.get(), objc::sel<"writeToFile:atomically:">(),
-                                     S((folder / "bad.plist").c_str()), true));
-    EXPECT_FALSE(std::filesystem::exists(folder / "bad.plist"));
-    // A file of the other kind or a broken file gives nil.
-    EXPECT_EQ(
-        objc::msgSend<id>(NSArray::objcClass(), objc::sel<"arrayWithContentsOfFile:">(), file),
-        nullptr);
-    NSString* broken = S(folder.write("broken.plist", "{{{{").c_str());
-    EXPECT_EQ(objc::msgSend<id>(NSDictionary::objcClass(),
-                                objc::sel<"dictionaryWithContentsOfFile:">(), broken),
-              nullptr);
 }
 
 }  // namespace

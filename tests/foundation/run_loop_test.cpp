@@ -26,59 +26,10 @@ class RunLoopTestTracked : public NSObject {
     static inline std::atomic<int> alive{0};
 };
 
-// Runs fn on a new thread and waits for it.
-template <class F>
-void onOtherThread(F&& fn) {
-    std::thread thread([&] {
-        objc::AutoreleasePool pool;
-        fn();
-    });
-    thread.join();
-}
-
 }  // namespace
 
 OBJC_DEFINE_CLASS(RunLoopTestTracked, NSObject, "RunLoopTestTracked")
 void RunLoopTestTracked::objcDefine(objc::ClassBuilder<RunLoopTestTracked>&) {}
-
-TEST(NSThreadBasics, KnowsTheMainThreadAndNamesThreadsApart) {
-    objc::AutoreleasePool pool;
-    EXPECT_TRUE(NSThread::isMainThread() && foundation::isMainThread());
-    EXPECT_EQ(pthread_main_np(), 1);
-    NSThread* main = NSThread::mainThread();
-    EXPECT_EQ(NSThread::currentThread(), main);
-    const std::string mainName = main->name()->utf8();
-    main->setName(NSSTR("main-test"));
-    NSThread* other = nullptr;
-    NSThread* otherAgain = nullptr;
-    bool otherIsMain = true;
-    int np = -1;
-    onOtherThread([&] {
-        other = NSThread::currentThread();
-        otherAgain = NSThread::currentThread();
-        other->setName(NSSTR("worker"));  // names are per thread
-        otherIsMain = NSThread::isMainThread() || foundation::isMainThread() || other->isMain();
-        np = pthread_main_np();
-    });
-    EXPECT_FALSE(otherIsMain);
-    EXPECT_EQ(np, 0);
-    EXPECT_NE(other, main);
-    EXPECT_EQ(other, otherAgain);
-    EXPECT_EQ(main->name()->utf8(), "main-test");
-    main->setName(NSString::create(mainName).get());
-}
-
-TEST(NSRunLoopBasics, OnlyTheMainThreadHasALoop) {
-    objc::AutoreleasePool pool;
-    EXPECT_EQ(NSRunLoop::currentRunLoop(), NSRunLoop::mainRunLoop());
-    NSRunLoop* otherCurrent = NSRunLoop::mainRunLoop();
-    onOtherThread([&] {
-        otherCurrent = NSRunLoop::currentRunLoop();
-        EXPECT_THROW(NSRunLoop::mainRunLoop()->runUntilDate(NSDate::date()), objc::Exception);
-        EXPECT_THROW(foundation::runMainLoopUntilIdle(), objc::Exception);
-    });
-    EXPECT_EQ(otherCurrent, nullptr);
-}
 
 TEST(NSRunLoopBasics, RunEndsOnStopFromTheLoopOrAnotherThread) {
     objc::AutoreleasePool pool;
@@ -121,34 +72,6 @@ TEST(NSRunLoopBasics, RunUntilDateWaitsForTheDateWhileServingTheQueue) {
     dispatch_after(dispatch_time(DISPATCH_TIME_NOW, 5 * NSEC_PER_MSEC), dispatch_get_main_queue(),
                    [] { foundation::stopMainLoop(); });
     loop->runUntilDate(NSDate::distantFuture());
-}
-
-TEST(NSRunLoopBasics, RunModeRunsOnePass) {
-    objc::AutoreleasePool pool;
-    NSRunLoop* loop = NSRunLoop::mainRunLoop();
-    std::vector<std::string> order;
-    dispatch_async(dispatch_get_main_queue(), [&] {
-        order.push_back("a");
-        dispatch_async(dispatch_get_main_queue(), [&] { order.push_back("c"); });
-    });
-    dispatch_async(dispatch_get_main_queue(), [&] { order.push_back("b"); });
-    EXPECT_TRUE(loop->runModeBeforeDate(NSDefaultRunLoopMode, NSDate::distantFuture()));
-    EXPECT_EQ(order, (std::vector<std::string>{"a", "b"}));
-    EXPECT_TRUE(loop->runModeBeforeDate(NSDefaultRunLoopMode, NSDate::distantFuture()));
-    EXPECT_EQ(order, (std::vector<std::string>{"a", "b", "c"}));
-    // Nothing to do: waits for the date, then answers YES.
-    EXPECT_TRUE(
-        loop->runModeBeforeDate(NSDefaultRunLoopMode, NSDate::dateWithTimeIntervalSinceNow(0.01)));
-    // Waits for work that arrives from another thread.
-    std::thread poster([&] {
-        std::this_thread::sleep_for(10ms);
-        dispatch_async(dispatch_get_main_queue(), [&] { order.push_back("d"); });
-    });
-    EXPECT_TRUE(loop->runModeBeforeDate(NSDefaultRunLoopMode, NSDate::distantFuture()));
-    poster.join();
-    EXPECT_EQ(order.back(), "d");
-    foundation::stopMainLoop();
-    EXPECT_FALSE(loop->runModeBeforeDate(NSDefaultRunLoopMode, NSDate::distantFuture()));
 }
 
 TEST(NSRunLoopBasics, EveryTurnDrainsItsPoolAndRunsInTheDefaultMode) {

@@ -10,11 +10,11 @@
 #include <cmath>
 #include <cstdint>
 
-#include "test_helpers.h"
+#include "foundation_helpers.h"
 
 namespace {
 
-using namespace testing_support;
+using namespace testsupport;
 
 bool notFound(NSRange r) {
     return r.location == static_cast<NSUInteger>(NSNotFound) && r.length == 0;
@@ -64,22 +64,6 @@ TEST_F(StringTest, TrimmingUsesUnicodeWhitespace) {
     EXPECT_EQ(text(S("😁ok")->stringByTrimmingCharactersInSet(emoji)), "😁ok");
 }
 
-TEST_F(StringTest, CaseMappingIsFullUnicode) {
-    EXPECT_EQ(text(S("straße")->uppercaseString()), "STRASSE");
-    EXPECT_EQ(text(S("ÉCOLE Ω")->lowercaseString()), "école ω");
-    EXPECT_EQ(text(S("hello wORLD")->capitalizedString()), "Hello World");
-}
-
-TEST_F(StringTest, PrefixSuffixAndContains) {
-    NSString* s = S("Parcelvane.dylib");
-    EXPECT_FALSE(s->hasPrefix(S("parcel")));
-    EXPECT_TRUE(s->hasSuffix(S(".dylib")));
-    EXPECT_TRUE(s->hasPrefix(S("")));
-    EXPECT_FALSE(s->hasPrefix(nullptr));
-    EXPECT_FALSE(s->containsString(S("")));
-    EXPECT_THROW(s->containsString(nullptr), objc::Exception);
-}
-
 TEST_F(StringTest, RangeOfStringWithOptions) {
     NSString* s = S("one Two one two");
     EXPECT_EQ(s->rangeOfString(S("one")).location, 0u);
@@ -95,18 +79,6 @@ TEST_F(StringTest, RangeOfStringWithOptions) {
     EXPECT_THROW(s->rangeOfString(S("one"), 0, NSMakeRange(10, 10)), objc::Exception);
 }
 
-TEST_F(StringTest, ReplacingAndSplitting) {
-    EXPECT_EQ(text(S("a-b--c")->stringByReplacingOccurrencesOfString(S("-"), S("+-"))),
-              "a+-b+-+-c");
-    EXPECT_EQ(text(S("aaa")->stringByReplacingOccurrencesOfString(S("aa"), S("b"))), "ba");
-    EXPECT_EQ(texts(S("a,b,,c")->componentsSeparatedByString(S(","))),
-              (std::vector<std::string>{"a", "b", "", "c"}));
-    EXPECT_EQ(texts(S("")->componentsSeparatedByString(S(","))), (std::vector<std::string>{""}));
-    EXPECT_EQ(texts(S("a b\tc")->componentsSeparatedByCharactersInSet(
-                  NSCharacterSet::whitespaceCharacterSet())),
-              (std::vector<std::string>{"a", "b", "c"}));
-}
-
 TEST_F(StringTest, NumericCompareOrdersVersionNumbers) {
     EXPECT_EQ(S("2.12.5")->compare(S("2.9"), NSNumericSearch), NSOrderedDescending);
     EXPECT_EQ(S("10")->compare(S("9"), NSNumericSearch), NSOrderedDescending);
@@ -116,20 +88,6 @@ TEST_F(StringTest, NumericCompareOrdersVersionNumbers) {
     // Without the option digits compare as characters.
     EXPECT_EQ(S("10")->compare(S("9")), NSOrderedAscending);
     EXPECT_EQ(S("2.12.5")->compare(S("2.9")), NSOrderedAscending);
-}
-
-TEST_F(StringTest, CompareAndCaseInsensitiveCompare) {
-    EXPECT_EQ(S("ab")->compare(S("abc")), NSOrderedAscending);
-    EXPECT_EQ(S("B")->compare(S("a")), NSOrderedAscending);  // by code unit
-    EXPECT_EQ(S("a")->compare(nullptr), NSOrderedDescending);
-    EXPECT_EQ(S("Hello")->caseInsensitiveCompare(S("hELLO")), NSOrderedSame);
-    EXPECT_EQ(S("STRASSE")->caseInsensitiveCompare(S("straße")), NSOrderedSame);
-    EXPECT_EQ(S("B")->caseInsensitiveCompare(S("a")), NSOrderedDescending);
-    EXPECT_EQ(S("Version 10")->compare(S("version 9"), NSCaseInsensitiveSearch | NSNumericSearch),
-              NSOrderedDescending);
-    EXPECT_EQ(S("café")->compare(S("cafe"), NSDiacriticInsensitiveSearch), NSOrderedSame);
-    EXPECT_EQ(S("file10")->localizedStandardCompare(S("File9")), NSOrderedDescending);
-    EXPECT_EQ(S("apple")->localizedCaseInsensitiveCompare(S("Banana")), NSOrderedAscending);
 }
 
 TEST_F(StringTest, FloatingValuesTakeTheLongestNumberPrefix) {
@@ -207,24 +165,6 @@ TEST_F(StringTest, PercentEncoding) {
     EXPECT_EQ(S("%FF")->stringByRemovingPercentEncoding(), nullptr);  // not UTF-8
 }
 
-TEST_F(StringTest, CreationAndEncodings) {
-    const char16_t chars[] = {u'h', u'i', 0xD83D, 0xDE00};
-    EXPECT_EQ(text(NSString::stringWithCharacters(chars, 4)), "hi😀");
-    EXPECT_THROW(NSString::stringWithString(nullptr), objc::Exception);
-    NSData* utf8 = S("hé")->dataUsingEncoding(NSUTF8StringEncoding);
-    ASSERT_NE(utf8, nullptr);
-    EXPECT_EQ(utf8->length(), 3u);
-    EXPECT_EQ(S("hé")->dataUsingEncoding(NSASCIIStringEncoding), nullptr);
-    NSData* le = S("A😀")->dataUsingEncoding(NSUTF16LittleEndianStringEncoding);
-    ASSERT_NE(le, nullptr);
-    EXPECT_EQ(le->length(), 6u);
-    auto fromLe =
-        objc::adopt(objc::alloc<NSString>()->initWithData(le, NSUTF16LittleEndianStringEncoding));
-    EXPECT_EQ(text(fromLe), "A😀");
-    const unsigned char bad[] = {0x61, 0xC3};
-    EXPECT_EQ(objc::alloc<NSString>()->initWithBytes(bad, 2, NSUTF8StringEncoding), nullptr);
-}
-
 TEST_F(StringTest, MutableStringEditsInPlaceAndKeepsHashInStep) {
     NSMutableString* m = NSMutableString::stringWithCapacity(8);
     m->appendString(S("world"));
@@ -242,21 +182,6 @@ TEST_F(StringTest, MutableStringEditsInPlaceAndKeepsHashInStep) {
     EXPECT_THROW(m->insertString(S("x"), 100), objc::Exception);
     EXPECT_THROW(m->deleteCharactersInRange(NSMakeRange(7, 2)), objc::Exception);
     EXPECT_EQ(text(m), "bye 442!");
-}
-
-TEST_F(StringTest, CopiesSeparateMutableFromImmutable) {
-    auto m = NSMutableString::create("abc");
-    auto frozen = objc::adopt(static_cast<NSString*>(m->copy()));
-    EXPECT_FALSE(frozen->isKindOfClass(NSMutableString::objcClass()));
-    m->appendString(S("d"));
-    EXPECT_EQ(text(frozen), "abc");
-    NSString* plain = S("xyz");
-    auto thawed = objc::adopt(static_cast<NSMutableString*>(plain->mutableCopy()));
-    thawed->appendString(S("!"));
-    EXPECT_EQ(text(plain), "xyz");
-    // Inherited constructors make the receiving class.
-    EXPECT_TRUE(
-        NSMutableString::stringWithString(S("q"))->isKindOfClass(NSMutableString::objcClass()));
 }
 
 }  // namespace

@@ -139,15 +139,6 @@ TEST_F(URLDownload, GivesUpAfterTheTimeOut) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, 3s);
 }
 
-TEST_F(URLDownload, FailsCleanlyWithoutAServer) {
-    EXPECT_EQ(fetch("http://127.0.0.1:" + std::to_string(closedPort()) + "/x"), std::nullopt);
-    // Other schemes are not downloaded, even from a live server.
-    EXPECT_EQ(foundation::downloadURL("ftp://127.0.0.1:" + std::to_string(server.port()) + "/"),
-              std::nullopt);
-    EXPECT_EQ(foundation::downloadURL("not a url"), std::nullopt);
-    EXPECT_TRUE(server.requestLines().empty());
-}
-
 TEST_F(URLDownload, GoesThroughTheProxyFromTheEnvironment) {
     server.respond("/apt/depict/ParcelvaneIcon-Small@2x.png", CannedResponse::ok("icon bytes"));
     ::setenv("http_proxy", server.baseURL().c_str(), 1);

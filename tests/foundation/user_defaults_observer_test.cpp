@@ -14,11 +14,11 @@
 #include <thread>
 #include <vector>
 
-#include "test_helpers.h"
+#include "foundation_helpers.h"
 
 namespace {
 
-using namespace testing_support;
+using namespace testsupport;
 
 // Records what it is told; an optional action runs inside each notification.
 class DefaultsObserver : public NSObject {
@@ -98,30 +98,6 @@ TEST(DefaultsObserving, ObserversGetNewValuesAndNullOnRemoval) {
     defaults->removeObserver(observer, S("volume"));
 }
 
-TEST(DefaultsObserving, ChangeHoldsOnlyWhatWasAskedFor) {
-    objc::AutoreleasePool pool;
-    auto defaults = NSUserDefaults::create("");
-    auto plain = objc::make<DefaultsObserver>();
-    auto oldOnly = objc::make<DefaultsObserver>();
-    defaults->addObserver(plain, S("k"), 0, nullptr);
-    defaults->addObserver(oldOnly, S("k"), kOld, nullptr);
-    defaults->setBoolForKey(true, S("k"));
-    ASSERT_EQ(plain->notes().size(), 1u);
-    EXPECT_EQ(plain->notes()[0].change->count(), 1u);  // just the kind
-    ASSERT_EQ(oldOnly->notes().size(), 1u);
-    EXPECT_EQ(changeValue(oldOnly->notes()[0], NSKeyValueChangeNewKey), nullptr);
-    EXPECT_EQ(changeValue(oldOnly->notes()[0], NSKeyValueChangeOldKey), NSNull::null());
-    defaults->removeObserver(plain, S("k"));
-    defaults->removeObserver(oldOnly, S("k"));
-    // The initial option tells at once.
-    auto initial = objc::make<DefaultsObserver>();
-    defaults->addObserver(initial, S("k"), kNew | NSKeyValueObservingOptionInitial, nullptr);
-    ASSERT_EQ(initial->count(), 1u);
-    EXPECT_TRUE(
-        NSNumber::create(true)->isEqual(changeValue(initial->notes()[0], NSKeyValueChangeNewKey)));
-    defaults->removeObserver(initial, S("k"));
-}
-
 TEST(DefaultsObserving, OnlyObserversOfTheChangedKeyAreTold) {
     objc::AutoreleasePool pool;
     auto defaults = NSUserDefaults::create("");
@@ -139,33 +115,6 @@ TEST(DefaultsObserving, OnlyObserversOfTheChangedKeyAreTold) {
     EXPECT_EQ(a->count(), 1u);
     defaults->removeObserver(a, S("alpha"));
     defaults->removeObserver(b, S("beta"));
-}
-
-TEST(DefaultsObserving, RegistrationsCountEachAndRemovalTakesTheLatest) {
-    objc::AutoreleasePool pool;
-    auto defaults = NSUserDefaults::create("");
-    auto observer = objc::make<DefaultsObserver>();
-    int first = 1;
-    int second = 2;
-    defaults->addObserver(observer, S("k"), 0, &first);
-    defaults->addObserver(observer, S("k"), 0, &second);
-    defaults->setIntegerForKey(1, S("k"));
-    EXPECT_EQ(observer->count(), 2u);
-    defaults->removeObserver(observer, S("k"), &first);
-    defaults->setIntegerForKey(2, S("k"));
-    ASSERT_EQ(observer->count(), 3u);
-    EXPECT_EQ(observer->notes().back().context, &second);
-    defaults->removeObserver(observer, S("k"));
-    defaults->setIntegerForKey(3, S("k"));
-    EXPECT_EQ(observer->count(), 3u);
-    try {
-        defaults->removeObserver(observer, S("k"));
-        ADD_FAILURE() << "removing an unregistered observer must raise";
-    } catch (const objc::Exception& e) {
-        EXPECT_EQ(e.name(), "NSRangeException");
-        EXPECT_NE(e.reason().find("\"k\""), std::string::npos);
-    }
-    EXPECT_THROW(defaults->removeObserver(observer, S("never"), &first), objc::Exception);
 }
 
 TEST(DefaultsObserving, RegisteringADefaultTellsObserversOfKeysWithoutValues) {

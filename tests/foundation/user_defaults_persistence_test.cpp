@@ -22,12 +22,12 @@
 #include <thread>
 #include <vector>
 
-#include "temp_folder.h"
-#include "test_helpers.h"
+#include "foundation_helpers.h"
+#include "scratch_folder.h"
 
 namespace {
 
-using namespace testing_support;
+using namespace testsupport;
 namespace fs = std::filesystem;
 
 std::vector<std::string> filesIn(const std::string& folder) {
@@ -41,7 +41,7 @@ std::vector<std::string> filesIn(const std::string& folder) {
 
 TEST(DefaultsPersistence, ValuesSurviveIntoANewInstanceWithTheirKinds) {
     objc::AutoreleasePool pool;
-    TempFolder folder;
+    ScratchFolder folder;
     const std::string file = folder / "Library/Preferences/app.plist";  // folders are created
     {
         auto defaults = NSUserDefaults::create(file);
@@ -75,7 +75,7 @@ TEST(DefaultsPersistence, ValuesSurviveIntoANewInstanceWithTheirKinds) {
 
 TEST(DefaultsPersistence, ChangesReachTheDiskSoonWithoutSynchronize) {
     objc::AutoreleasePool pool;
-    TempFolder folder;
+    ScratchFolder folder;
     const std::string file = folder / "app.plist";
     auto defaults = NSUserDefaults::create(file);
     for (int i = 0; i <= 100; ++i) defaults->setIntegerForKey(i, S("burst"));
@@ -103,7 +103,7 @@ bool appearsOnDisk(const std::string& file, NSString* key, NSString* text) {
 
 TEST(DefaultsPersistence, ChangesThatCannotBeSavedStayPendingUntilTheFolderCanBeWritten) {
     objc::AutoreleasePool pool;
-    TempFolder folder;
+    ScratchFolder folder;
     // A file where the folder belongs stops root as well as anybody.
     folder.write("Preferences", "not a folder");
     const std::string file = folder / "Preferences/app.plist";
@@ -123,7 +123,7 @@ TEST(DefaultsPersistence, ChangesThatCannotBeSavedStayPendingUntilTheFolderCanBe
 
 TEST(DefaultsPersistence, UnreadableFilesAreKeptAsideAndDefaultsStartEmpty) {
     objc::AutoreleasePool pool;
-    TempFolder folder;
+    ScratchFolder folder;
     const std::string file = folder / "app.plist";
     const std::vector<std::string> broken = {
         "not a property list at all",
@@ -141,7 +141,7 @@ TEST(DefaultsPersistence, UnreadableFilesAreKeptAsideAndDefaultsStartEmpty) {
     // Every broken file is still there, byte for byte, under its own name.
     std::vector<std::string> kept;
     for (const auto& name : filesIn(folder.path())) {
-        if (name.rfind("app.plist.unreadable-", 0) == 0) kept.push_back(readAll(folder / name));
+        if (name.rfind("app.plist.unreadable-", 0) == 0) kept.push_back(readFile(folder / name));
     }
     std::sort(kept.begin(), kept.end());
     auto expected = broken;
@@ -186,7 +186,7 @@ int waitFor(pid_t pid) {
 
 TEST(DefaultsPersistence, ValuesWrittenByAProcessThatExitsNormallyAreThereNextTime) {
     objc::AutoreleasePool pool;
-    TempFolder folder;
+    ScratchFolder folder;
     const std::string file = folder / "app.plist";
     Child child = spawn({file, "set", "language=fr", "theme=dark"});
     const int status = waitFor(child.pid);
@@ -199,7 +199,7 @@ TEST(DefaultsPersistence, ValuesWrittenByAProcessThatExitsNormallyAreThereNextTi
 
 TEST(DefaultsPersistence, ProcessesSharingAFileKeepEachOthersChanges) {
     objc::AutoreleasePool pool;
-    TempFolder folder;
+    ScratchFolder folder;
     const std::string file = folder / "app.plist";
     // This process read the file before the others changed it.
     auto mine = NSUserDefaults::create(file);
@@ -235,7 +235,7 @@ TEST(DefaultsPersistence, ProcessesSharingAFileKeepEachOthersChanges) {
 }
 
 TEST(DefaultsPersistence, AProcessKilledAtAnyMomentLeavesEveryAcknowledgedValue) {
-    TempFolder folder;
+    ScratchFolder folder;
     const std::string file = folder / "app.plist";
     std::mt19937 random(std::random_device{}());
     long lastAcknowledged = 0;

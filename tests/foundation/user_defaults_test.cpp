@@ -14,45 +14,15 @@
 
 #include <filesystem>
 
-#include "temp_folder.h"
-#include "test_helpers.h"
+#include "foundation_helpers.h"
+#include "scratch_folder.h"
 
 namespace {
 
-using namespace testing_support;
+using namespace testsupport;
 
 objc::Strong<NSUserDefaults> inMemory() {
     return NSUserDefaults::create("");
-}
-
-TEST(UserDefaults, StoresAndAnswersEveryPropertyListKind) {
-    objc::AutoreleasePool pool;
-    auto defaults = inMemory();
-    const auto date = NSDate::create(1000.5);
-    const auto data = NSData::create(std::string_view("\x00\x01", 2));
-    const auto list = NSArray::create({S("a"), NSNumber::create(1).get()});
-    const auto dictionary = NSDictionary::create({{S("k"), list.get()}});
-    defaults->setObjectForKey(S("text"), S("string"));
-    defaults->setObjectForKey(date, S("date"));
-    defaults->setObjectForKey(data, S("data"));
-    defaults->setObjectForKey(list, S("array"));
-    defaults->setObjectForKey(dictionary, S("dictionary"));
-    EXPECT_TRUE(S("text")->isEqual(defaults->stringForKey(S("string"))));
-    EXPECT_TRUE(date->isEqual(defaults->objectForKey(S("date"))));
-    EXPECT_TRUE(data->isEqual(defaults->dataForKey(S("data"))));
-    EXPECT_TRUE(list->isEqual(defaults->arrayForKey(S("array"))));
-    EXPECT_TRUE(dictionary->isEqual(defaults->dictionaryForKey(S("dictionary"))));
-    EXPECT_EQ(defaults->objectForKey(S("absent")), nullptr);
-    EXPECT_EQ(defaults->objectForKey(nullptr), nullptr);
-    // Typed readers answer nil for a value of another class.
-    EXPECT_EQ(defaults->dictionaryForKey(S("array")), nullptr);
-    EXPECT_EQ(defaults->stringForKey(S("array")), nullptr);
-    // nil and removeObjectForKey: both remove.
-    defaults->setObjectForKey(nullptr, S("string"));
-    defaults->removeObjectForKey(S("date"));
-    defaults->removeObjectForKey(S("never set"));
-    EXPECT_EQ(defaults->objectForKey(S("string")), nullptr);
-    EXPECT_EQ(defaults->dictionaryRepresentation()->count(), 3u);
 }
 
 TEST(UserDefaults, TypedSettersAndReadersConvertAsThePlatformDoes) {
@@ -165,8 +135,8 @@ TEST(UserDefaults, RegisteredDefaultsAnswerUntilAValueIsSet) {
 
 TEST(UserDefaults, StandardDefaultsLiveInTheContainerUnderTheBundleIdentifier) {
     objc::AutoreleasePool pool;
-    TempFolder home;
-    TempFolder app;
+    ScratchFolder home;
+    ScratchFolder app;
     app.write("Info.plist", R"(<?xml version="1.0" encoding="UTF-8"?>
 <plist version="1.0"><dict><key>CFBundleIdentifier</key><string>net.example.defaults-test</string></dict></plist>)");
     foundation::configureProcess({home.path(), app.path(), {"en"}});

@@ -8,11 +8,11 @@
 
 namespace {
 
-using hosttest::HostTest;
+using testsupport::HostTest;
 using AttachmentTest = HostTest;
 
-TEST_F(AttachmentTest, NameAndSizeComeFromTheFile) {
-    const std::string path = hosttest::makeFile("Budget 2016.xlsx", 4096);
+TEST_F(AttachmentTest, NameAndSizeComeFromTheFileIfThereIsOne) {
+    const std::string path = testsupport::makeFile("Budget 2016.xlsx", 4096);
     auto url = NSURL::fileURL(path);
     auto attachment = WADocumentAttachment::create(url.get(), true);
     EXPECT_EQ(attachment->fileURL(), url.get());
@@ -20,11 +20,9 @@ TEST_F(AttachmentTest, NameAndSizeComeFromTheFile) {
     EXPECT_EQ(attachment->fileName()->utf8(), "Budget 2016.xlsx");
     EXPECT_EQ(attachment->fileSize(), 4096u);
     EXPECT_TRUE(attachment->fileExisted());
-}
-
-TEST_F(AttachmentTest, AMissingOrRemoteFileHasNoSize) {
+    // A missing or remote file has no size.
     auto missing = WADocumentAttachment::create(
-        NSURL::fileURL((hosttest::container() / "nothing.pdf").string()).get(), false);
+        NSURL::fileURL((testsupport::container() / "nothing.pdf").string()).get(), false);
     EXPECT_FALSE(missing->transfersFileOwnership());
     EXPECT_EQ(missing->fileSize(), 0u);
     EXPECT_FALSE(missing->fileExisted());

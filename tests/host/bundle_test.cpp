@@ -10,7 +10,7 @@
 
 namespace {
 
-using hosttest::HostTest;
+using testsupport::HostTest;
 using BundleTest = HostTest;
 
 foundation::StringsTable table(const std::string& language) {

@@ -34,10 +34,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string contents(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
+using testsupport::readFile;
 
 void write(const fs::path& path, const std::string& bytes) {
     fs::create_directories(path.parent_path());
@@ -85,27 +82,23 @@ class HeldQueue {
     bool released_ = false;
 };
 
-class DocumentSendingTest : public hosttest::HostTest {
+class DocumentSendingTest : public testsupport::HostTest {
   protected:
     void SetUp() override {
         HostTest::SetUp();
-        const fs::path& home = hosttest::container();
+        const fs::path& home = testsupport::container();
         database = home / "Documents" /
                    ("chats-" + std::to_string(::getpid()) + "-" +
                     ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".sqlite");
         sqlite = std::make_shared<host::SqliteChatStore>(database.string());
         chat = WAChatSessionViewController::create("Bob", sqlite);
         inbox = UIDocumentPickerViewController::inboxFolder();
-        char pattern[] = "/tmp/host-outside-XXXXXX";
-        const char* made = ::mkdtemp(pattern);
-        ASSERT_NE(made, nullptr);
-        outside = made;
+        outside = scratch_.path();
     }
     void TearDown() override {
         chat.reset();
         sqlite.reset();
         std::error_code error;
-        fs::remove_all(outside, error);
         fs::remove_all(inbox, error);
         for (const char* suffix : {"", "-wal", "-shm"})
             fs::remove(database.string() + suffix, error);
@@ -120,7 +113,7 @@ class DocumentSendingTest : public hosttest::HostTest {
     host::Message sendDirectly(const fs::path& path, bool transfer) {
         auto attachment =
             WADocumentAttachment::create(NSURL::fileURL(path.string()).get(), transfer);
-        return host::sendDocument(*sqlite, "Bob", *attachment, hosttest::container());
+        return host::sendDocument(*sqlite, "Bob", *attachment, testsupport::container());
     }
     std::vector<host::Message> sent() const { return sqlite->messages("Bob"); }
     // Other tests' stores share the folder: compare counts.
@@ -131,13 +124,15 @@ class DocumentSendingTest : public hosttest::HostTest {
             std::distance(fs::directory_iterator(mediaFolder()), fs::directory_iterator()));
     }
     fs::path mediaFolder() const {
-        return hosttest::container() / "Library" / "Media" / std::to_string(sqlite->chatId("Bob"));
+        return testsupport::container() / "Library" / "Media" /
+               std::to_string(sqlite->chatId("Bob"));
     }
 
     fs::path database;
     std::shared_ptr<host::SqliteChatStore> sqlite;
     objc::Strong<WAChatSessionViewController> chat;
     fs::path inbox;
+    const testsupport::ScratchFolder scratch_{"host-outside"};
     fs::path outside;
 };
 
@@ -149,7 +144,7 @@ TEST_F(DocumentSendingTest, AnInboxFileHandedOverIsMovedWithItsBytes) {
     ASSERT_EQ(messages.size(), 1u);
     EXPECT_FALSE(fs::exists(inbox / "Quarterly.pdf"));
     EXPECT_EQ(fs::path(messages[0].filePath).parent_path(), mediaFolder());
-    EXPECT_EQ(contents(messages[0].filePath), bytes);
+    EXPECT_EQ(readFile(messages[0].filePath), bytes);
     EXPECT_EQ(messages[0].text, "Quarterly.pdf");
     EXPECT_EQ(messages[0].fileSize, bytes.size());
 }
@@ -160,13 +155,13 @@ TEST_F(DocumentSendingTest, AFileOutsideTheContainerIsCopiedEvenWhenHandedOver) 
         const fs::path original = outside / (transfer ? "handed.pdf" : "kept.pdf");
         write(original, bytes);
         send(original, transfer);
-        EXPECT_EQ(contents(original), bytes) << "transfer " << transfer;
+        EXPECT_EQ(readFile(original), bytes) << "transfer " << transfer;
     }
     const auto messages = sent();
     ASSERT_EQ(messages.size(), 2u);
     for (const host::Message& m : messages) {
         EXPECT_EQ(fs::path(m.filePath).parent_path(), mediaFolder());
-        EXPECT_EQ(contents(m.filePath), bytes);
+        EXPECT_EQ(readFile(m.filePath), bytes);
     }
 }
 
@@ -174,14 +169,14 @@ TEST_F(DocumentSendingTest, AContainerFileNotHandedOverIsCopied) {
     write(inbox / "draft.pdf", "draft");
     send(inbox / "draft.pdf", false);
     ASSERT_EQ(sent().size(), 1u);
-    EXPECT_EQ(contents(inbox / "draft.pdf"), "draft");
-    EXPECT_EQ(contents(sent()[0].filePath), "draft");
+    EXPECT_EQ(readFile(inbox / "draft.pdf"), "draft");
+    EXPECT_EQ(readFile(sent()[0].filePath), "draft");
 }
 
 // Only the picker's Inbox copies are the host's: a handed-over file anywhere
 // else in the container (a document, the settings, the live database) stays.
 TEST_F(DocumentSendingTest, AHandedOverContainerFileOutsideTheInboxIsCopied) {
-    const fs::path& home = hosttest::container();
+    const fs::path& home = testsupport::container();
     write(home / "Documents" / "notes.txt", "my notes");
     NSUserDefaults* defaults = NSUserDefaults::standardUserDefaults();
     defaults->setBoolForKey(true, NSString::create("documentSendingTest").get());
@@ -193,10 +188,10 @@ TEST_F(DocumentSendingTest, AHandedOverContainerFileOutsideTheInboxIsCopied) {
     ASSERT_EQ(::stat(database.c_str(), &live), 0);
 
     for (const fs::path& original : {home / "Documents" / "notes.txt", settings, database}) {
-        const std::string before = contents(original);
+        const std::string before = readFile(original);
         const host::Message message = sendDirectly(original, true);
-        EXPECT_EQ(contents(original), before) << original;
-        EXPECT_EQ(contents(message.filePath), before) << original;
+        EXPECT_EQ(readFile(original), before) << original;
+        EXPECT_EQ(readFile(message.filePath), before) << original;
     }
     struct stat after {};
     ASSERT_EQ(::stat(database.c_str(), &after), 0);
@@ -220,7 +215,7 @@ TEST_F(DocumentSendingTest, ASparseFileStaysSparse) {
     fs::resize_file(original, 4 << 20);
     const host::Message message = sendDirectly(original, false);
     EXPECT_EQ(message.fileSize, std::uint64_t{4} << 20);
-    EXPECT_EQ(contents(message.filePath), contents(original));
+    EXPECT_EQ(readFile(message.filePath), readFile(original));
     struct stat source {
     }, copy{};
     ASSERT_EQ(::stat(original.c_str(), &source), 0);
@@ -256,23 +251,6 @@ TEST_F(DocumentSendingTest, RowsSurviveReopeningTheStore) {
     EXPECT_EQ(messages[2].mimeType, "application/zip");
 }
 
-TEST_F(DocumentSendingTest, TextAndChatsAreKeptInOrder) {
-    sqlite->append("Carol", host::Message::incomingText("hi"));
-    sqlite->append("Bob", host::Message::outgoingText("hello"));
-    sqlite->addChat("Carol");
-    sqlite = std::make_shared<host::SqliteChatStore>(database.string());
-    EXPECT_EQ(sqlite->chatNames(), (std::vector<std::string>{"Bob", "Carol"}));
-    EXPECT_TRUE(sqlite->hasChat("Carol"));
-    EXPECT_FALSE(sqlite->hasChat("Dave"));
-    EXPECT_TRUE(sqlite->messages("Dave").empty());
-    ASSERT_EQ(sqlite->messages("Bob").size(), 1u);
-    EXPECT_TRUE(sqlite->messages("Bob")[0].outgoing);
-    EXPECT_EQ(sqlite->messages("Bob")[0].text, "hello");
-    EXPECT_EQ(sqlite->messages("Carol")[0].text, "hi");
-    EXPECT_FALSE(sqlite->messages("Carol")[0].outgoing);
-    EXPECT_NE(sqlite->chatId("Bob"), sqlite->chatId("Carol"));
-}
-
 TEST_F(DocumentSendingTest, TheCopyLeavesTheMainThreadAndTheMessageGoesFromSendingToSent) {
     const std::string bytes = pattern(1 << 20);
     write(outside / "held.pdf", bytes);
@@ -302,8 +280,8 @@ TEST_F(DocumentSendingTest, TheCopyLeavesTheMainThreadAndTheMessageGoesFromSendi
     ASSERT_EQ(messages.size(), 1u);
     EXPECT_EQ(messages[0].state, host::Message::State::Sent);
     EXPECT_EQ(fs::path(messages[0].filePath).parent_path(), mediaFolder());
-    EXPECT_EQ(contents(messages[0].filePath), bytes);
-    EXPECT_EQ(contents(outside / "held.pdf"), bytes);
+    EXPECT_EQ(readFile(messages[0].filePath), bytes);
+    EXPECT_EQ(readFile(outside / "held.pdf"), bytes);
 }
 
 TEST_F(DocumentSendingTest, AMissingFileFailsWithTheReasonAndNoMediaFile) {
@@ -488,8 +466,8 @@ TEST_F(DocumentSendingTest, SameNamesGetDistinctMediaFiles) {
     EXPECT_NE(messages[0].filePath, messages[1].filePath);
     EXPECT_EQ(messages[0].text, "same.pdf");
     EXPECT_EQ(messages[1].text, "same.pdf");
-    EXPECT_EQ(contents(messages[0].filePath), "first");
-    EXPECT_EQ(contents(messages[1].filePath), "second");
+    EXPECT_EQ(readFile(messages[0].filePath), "first");
+    EXPECT_EQ(readFile(messages[1].filePath), "second");
 }
 
 // A killed run's unfinished copy is cleared at the next start; finished
@@ -499,9 +477,9 @@ TEST_F(DocumentSendingTest, LeftoverCopiesAreRemovedAtStartUp) {
     const host::Message message = sendDirectly(outside / "kept.pdf", false);
     const fs::path leftover = mediaFolder() / (std::string(host::kPartialCopyPrefix) + "0123abcd");
     write(leftover, std::string(1000, 'p'));
-    host::removeLeftoverCopies(hosttest::container() / "Library" / "Media");
+    host::removeLeftoverCopies(testsupport::container() / "Library" / "Media");
     EXPECT_FALSE(fs::exists(leftover));
-    EXPECT_EQ(contents(message.filePath), "kept");
+    EXPECT_EQ(readFile(message.filePath), "kept");
 }
 
 // A store whose writes fail, as a full disk would make them.
@@ -527,19 +505,19 @@ class FailingStore final : public host::ChatStore {
 TEST_F(DocumentSendingTest, AFailedWriteRecordsNothingAndKeepsTheFile) {
     FailingStore failing;
     const fs::path media =
-        hosttest::container() / "Library" / "Media" / std::to_string(failing.chatId("Bob"));
+        testsupport::container() / "Library" / "Media" / std::to_string(failing.chatId("Bob"));
     write(inbox / "back.pdf", "moved");
     write(outside / "copied.pdf", "copied");
     auto moved =
         WADocumentAttachment::create(NSURL::fileURL((inbox / "back.pdf").string()).get(), true);
     auto copied =
         WADocumentAttachment::create(NSURL::fileURL((outside / "copied.pdf").string()).get(), true);
-    EXPECT_THROW(host::sendDocument(failing, "Bob", *moved, hosttest::container()),
+    EXPECT_THROW(host::sendDocument(failing, "Bob", *moved, testsupport::container()),
                  objc::Exception);
-    EXPECT_THROW(host::sendDocument(failing, "Bob", *copied, hosttest::container()),
+    EXPECT_THROW(host::sendDocument(failing, "Bob", *copied, testsupport::container()),
                  objc::Exception);
-    EXPECT_EQ(contents(inbox / "back.pdf"), "moved");
-    EXPECT_EQ(contents(outside / "copied.pdf"), "copied");
+    EXPECT_EQ(readFile(inbox / "back.pdf"), "moved");
+    EXPECT_EQ(readFile(outside / "copied.pdf"), "copied");
     EXPECT_TRUE(failing.messages("Bob").empty());
     EXPECT_TRUE(!fs::exists(media) || fs::is_empty(media));
 }
@@ -568,7 +546,7 @@ TEST_F(DocumentSendingTest, AReadOnlyStoreIsReadButASendFailsWithTheReason) {
     ASSERT_EQ(readOnly->messages("Bob").size(), 1u);
     EXPECT_EQ(readOnly->messages("Bob")[0].text, "kept");
     EXPECT_EQ(mediaFiles(), before);
-    EXPECT_EQ(contents(outside / "report.pdf"), "report");
+    EXPECT_EQ(readFile(outside / "report.pdf"), "report");
 }
 
 TEST(SqliteChatStoreTest, AFileThatCannotBeMadeRaisesOrGivesAnEmptyReadOnlyStore) {

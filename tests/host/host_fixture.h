@@ -2,6 +2,8 @@
 // a container of their own, English, an iPhone on iOS 9.
 #pragma once
 
+#include "scratch_folder.h"
+
 #include <Host/ChatStore.h>
 
 #include <Foundation/NSRunLoop.h>
@@ -11,24 +13,22 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
-namespace hosttest {
+namespace testsupport {
 
 // One container for the test program, made before any test touches the
-// user defaults or the main bundle.
+// user defaults or the main bundle. It lies in a device folder of its own,
+// beside the document providers, and goes with it when the program ends.
 inline const std::filesystem::path& container() {
+    static const ScratchFolder device("host-tests");
     static const std::filesystem::path path = [] {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / "host-tests-XXXXXX").string();
-        const char* made = mkdtemp(pattern.data());
-        const std::filesystem::path home = made != nullptr ? made : pattern;
-        std::filesystem::create_directories(home / "Library" / "Preferences");
-        std::filesystem::create_directories(home / "Documents");
-        std::filesystem::create_directories(home / "tmp");
+        const std::filesystem::path home = std::filesystem::path(device.path()) / "Container";
+        for (const char* folder : {"Library/Preferences", "Documents", "tmp"}) {
+            std::filesystem::create_directories(home / folder);
+        }
         foundation::configureProcess({home.string(), HOST_BUNDLE_DIR, {"en"}});
         return home;
     }();
@@ -63,4 +63,4 @@ class HostTest : public ::testing::Test {
     std::shared_ptr<host::MemoryChatStore> store;
 };
 
-}  // namespace hosttest
+}  // namespace testsupport

@@ -9,7 +9,7 @@
 
 namespace {
 
-using hosttest::HostTest;
+using testsupport::HostTest;
 
 class SettingsTest : public HostTest {
   protected:
@@ -77,19 +77,6 @@ TEST_F(SettingsTest, LeavingTheStackReleasesTheRowsAndReturningRebuildsThem) {
     stack->pushViewController(pushed.get(), false);
     pushed->view();
     EXPECT_EQ(pushed->sectionList().size(), 3u);
-}
-
-TEST_F(SettingsTest, RowsKeepACopyOfTheirHandler) {
-    auto row = WATableRow::create();
-    int runs = 0;
-    row->setHandler(objc::makeBlock<void()>([&] { ++runs; }).get());  // the block goes here
-    ASSERT_NE(row->handler(), nullptr);
-    (*row->handler())();
-    EXPECT_EQ(runs, 1);
-    auto section = WATableSection::create();
-    section->addRow(row.get());
-    section->addRow(nullptr);
-    EXPECT_EQ(section->rows()->count(), 1u);
 }
 
 TEST_F(SettingsTest, TheDebugScreenShowsTheVersionAndTheDefaults) {

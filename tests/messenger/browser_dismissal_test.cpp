@@ -21,7 +21,7 @@
 
 namespace {
 
-using namespace messengertest;
+using namespace testsupport;
 
 #ifdef PARCELVANE_LIBRARY
 
@@ -36,18 +36,23 @@ class BrowserDismissal : public ::testing::Test {
   protected:
     BrowserDismissal() {
         for (const char* folder : {"Documents", "Library/Preferences", "tmp"}) {
-            fs::create_directories(base.path() / "Container" / folder);
+            fs::create_directories(base / "Container" / folder);
         }
         fs::create_directories(files());
         foundation::ProcessEnvironment environment;
-        environment.homeDirectory = (base.path() / "Container").string();
+        environment.homeDirectory = (base / "Container").string();
         environment.mainBundlePath = HOST_BUNDLE_DIR;
         environment.preferredLanguages = {"en"};
         foundation::configureProcess(environment);
         uikit::configureDevice(uikit::DeviceProfile::defaultProfile());
     }
+    // The defaults are written before the container goes, not into a folder made again.
+    ~BrowserDismissal() override {
+        NSUserDefaults::resetStandardUserDefaults();
+        foundation::configureProcess({});
+    }
 
-    fs::path files() const { return base.path() / "files"; }
+    fs::path files() const { return base / "files"; }
 
     // Attach button, the library's entry, then the browser at the files.
     ParcelvaneFileBrowserViewController* openBrowser(WAChatSessionViewController* chat) {
@@ -76,7 +81,7 @@ class BrowserDismissal : public ::testing::Test {
         return static_cast<NSUInteger>(it - entries.begin());
     }
 
-    TempFolder base;
+    const ScratchFolder base{"messenger-test"};
 };
 
 TEST_F(BrowserDismissal, AFileGoneBeforeTheBrowserHasGoneIsNotSentOneThatStaysIsSentOnce) {

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace messengertest {
+namespace testsupport {
 
 struct StoredDocument {
     std::string fileName;
@@ -68,4 +68,4 @@ inline bool runSql(const std::string& database, const std::string& sql) {
     return done;
 }
 
-}  // namespace messengertest
+}  // namespace testsupport

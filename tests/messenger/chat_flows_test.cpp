@@ -11,7 +11,7 @@
 
 namespace {
 
-using namespace messengertest;
+using namespace testsupport;
 
 // A device's worth of folders (--home): the app's container, the document
 // provider beside it (where the document menu browses), and a folder of the
@@ -30,17 +30,17 @@ class ChatFlows : public ::testing::Test {
         std::ofstream(files() / "notes.txt") << "notes";
     }
 
-    fs::path home() const { return base.path() / "Container"; }
-    fs::path provider() const { return base.path() / "DocumentProviders" / "iCloud Drive"; }
-    fs::path files() const { return base.path() / "files"; }
+    fs::path home() const { return base / "Container"; }
+    fs::path provider() const { return base / "DocumentProviders" / "iCloud Drive"; }
+    fs::path files() const { return base / "files"; }
     std::string database() const { return (home() / "Documents" / "ChatStorage.sqlite").string(); }
 
     // Runs the script (written to a file beside the container) with the
     // options; `library` injects the Parcelvane library.
     Result runScript(const std::string& script, std::vector<std::string> options, bool library) {
-        const fs::path file = base.path() / "flow.script";
+        const fs::path file = base / "flow.script";
         std::ofstream(file) << script;
-        std::vector<std::string> args{"--home", base.path().string(), "--script", file.string()};
+        std::vector<std::string> args{"--home", base.path(), "--script", file.string()};
         args.insert(args.end(), options.begin(), options.end());
         if (library) {
 #ifdef PARCELVANE_LIBRARY
@@ -57,7 +57,7 @@ class ChatFlows : public ::testing::Test {
                              [&](const StoredDocument& d) { return d.fileName == name; });
     }
 
-    TempFolder base;
+    const ScratchFolder base{"messenger-test"};
     std::string zipBytes;
 };
 
@@ -187,7 +187,7 @@ choose "red\x1b[31m\nline.txt"
 expect You: [document] red\x1b[31m\nline.txt (1 bytes
 )script";
     for (const auto& [word, path] : {std::pair{std::string("FILES"), files().string()},
-                                     std::pair{std::string("BASE"), base.path().string()}}) {
+                                     std::pair{std::string("BASE"), base.path()}}) {
         for (std::size_t at; (at = script.find(word)) != std::string::npos;) {
             script.replace(at, word.size(), path);
         }
@@ -206,7 +206,7 @@ TEST_F(ChatFlows, TwoCopiesOfTheLibraryEachHookOnceAndTheAttachMenuStillOpens) {
     // must pass on to the other copy's, not to themselves.
     std::vector<std::string> injections;
     for (const char* name : {"first.so", "second.so"}) {
-        const fs::path copy = base.path() / name;
+        const fs::path copy = base / name;
         fs::copy_file(PARCELVANE_LIBRARY, copy);
         injections.insert(injections.end(), {"--inject", copy.string()});
     }

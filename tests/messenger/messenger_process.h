@@ -2,6 +2,8 @@
 // input, and collects what it prints.
 #pragma once
 
+#include "scratch_folder.h"
+
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
@@ -23,7 +25,7 @@
 
 extern char** environ;
 
-namespace messengertest {
+namespace testsupport {
 
 namespace fs = std::filesystem;
 
@@ -32,32 +34,6 @@ struct Result {
     std::string out;
     std::string err;
 };
-
-// A temporary folder, removed with the object.
-class TempFolder {
-  public:
-    TempFolder() {
-        std::string pattern = (fs::temp_directory_path() / "messenger-test-XXXXXX").string();
-        if (mkdtemp(pattern.data()) != nullptr) path_ = pattern;
-    }
-    ~TempFolder() {
-        std::error_code ignored;
-        fs::remove_all(path_, ignored);
-    }
-    TempFolder(const TempFolder&) = delete;
-    TempFolder& operator=(const TempFolder&) = delete;
-    const fs::path& path() const { return path_; }
-
-  private:
-    fs::path path_;
-};
-
-inline std::string readFile(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 inline bool isMachineSpecific(const std::string& name) {
     static const char* const kNames[] = {"MESSENGER_INSERT_LIBRARIES",
@@ -87,8 +63,8 @@ inline bool isMachineSpecific(const std::string& name) {
 // unless `env` names a proxy. `cwd`, when given, is its current folder.
 inline Result run(const std::vector<std::string>& args, const std::string& input = "",
                   const std::map<std::string, std::string>& env = {}, const fs::path& cwd = {}) {
-    TempFolder io;
-    const fs::path in = io.path() / "in", out = io.path() / "out", err = io.path() / "err";
+    const ScratchFolder io("messenger-io");
+    const fs::path in = io / "in", out = io / "out", err = io / "err";
     std::ofstream(in, std::ios::binary) << input;
 
     std::vector<std::string> argStrings{MESSENGER_PATH};
@@ -161,4 +137,4 @@ inline bool contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }
 
-}  // namespace messengertest
+}  // namespace testsupport

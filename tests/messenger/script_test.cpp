@@ -6,7 +6,7 @@
 
 namespace {
 
-using namespace messengertest;
+using namespace testsupport;
 
 class Script : public ::testing::Test {
   protected:
@@ -14,9 +14,9 @@ class Script : public ::testing::Test {
         std::ofstream(file) << text;
         return run({"--home", device.string(), "--script", file.string()}, "chat family\n");
     }
-    TempFolder base;
-    fs::path device = base.path() / "device";
-    fs::path file = base.path() / "check.script";
+    const ScratchFolder base{"messenger-test"};
+    fs::path device = base / "device";
+    fs::path file = base / "check.script";
 };
 
 TEST_F(Script, TheFirstUnmetExpectationEndsTheScriptWithItsLineAndTheScreen) {
@@ -69,9 +69,8 @@ TEST_F(Script, UnknownCommandsAndMisusedOnesFailButAGoodScriptSucceeds) {
 }
 
 TEST(ScriptOptions, AMissingScriptIsRefusedAndHelpListsEveryCommand) {
-    TempFolder base;
-    const Result missing =
-        run({"--home", base.path().string(), "--script", (base.path() / "none").string()});
+    const ScratchFolder base{"messenger-test"};
+    const Result missing = run({"--home", base.path(), "--script", (base / "none").string()});
     EXPECT_EQ(missing.status, 2);
     EXPECT_TRUE(contains(missing.err, "cannot read the script")) << missing.err;
 

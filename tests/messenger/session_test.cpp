@@ -2,16 +2,16 @@
 
 namespace {
 
-using namespace messengertest;
+using namespace testsupport;
 
 class Session : public ::testing::Test {
   protected:
     Result send(const std::string& script, std::vector<std::string> extra = {}) {
-        std::vector<std::string> args{"--home", home.path().string()};
+        std::vector<std::string> args{"--home", home.path()};
         args.insert(args.end(), extra.begin(), extra.end());
         return run(args, script);
     }
-    TempFolder home;
+    const ScratchFolder home{"messenger-test"};
 };
 
 TEST_F(Session, DefaultsWrittenWithSetSurviveARestart) {
@@ -20,8 +20,8 @@ TEST_F(Session, DefaultsWrittenWithSetSurviveARestart) {
         "set greeting hello world\nset quoted \"42\"\nquit\n");
     ASSERT_EQ(first.status, 0) << first.err;
     EXPECT_TRUE(contains(first.out, "send_documents_enabled = true"));
-    EXPECT_TRUE(fs::exists(home.path() / "Container" / "Library" / "Preferences" /
-                           "net.whatsapp.WhatsApp.plist"));
+    EXPECT_TRUE(
+        fs::exists(home / "Container" / "Library" / "Preferences" / "net.whatsapp.WhatsApp.plist"));
 
     const Result second = send("defaults\n");
     ASSERT_EQ(second.status, 0) << second.err;
@@ -34,7 +34,7 @@ TEST_F(Session, DefaultsWrittenWithSetSurviveARestart) {
 TEST_F(Session, SetSaysWhenItsValueCouldNotBeSaved) {
     // A file where the preferences folder belongs: no write there succeeds,
     // not even root's.
-    const fs::path library = home.path() / "Container" / "Library";
+    const fs::path library = home / "Container" / "Library";
     fs::create_directories(library);
     std::ofstream(library / "Preferences") << "not a folder";
     const Result r = send("set retries 3\ndefaults\nquit\n");
@@ -43,26 +43,6 @@ TEST_F(Session, SetSaysWhenItsValueCouldNotBeSaved) {
     EXPECT_TRUE(contains(r.out, "Preferences: Not a directory")) << r.out;
     EXPECT_TRUE(contains(r.out, "retries = 3\n")) << "kept in memory:\n" << r.out;
     EXPECT_TRUE(contains(r.err, "the settings could not be saved")) << r.err;
-}
-
-TEST_F(Session, ScreensFollowTheCommands) {
-    const Result r = send("chat bob\nback\nsettings\nback\nback\n");
-    ASSERT_EQ(r.status, 0) << r.err;
-    const std::string& out = r.out;
-    const auto chats = out.find("== Chats ==");
-    const auto bob = out.find("== Bob ==");
-    const auto settings = out.find("== Settings ==");
-    ASSERT_NE(chats, std::string::npos) << out;
-    ASSERT_NE(bob, std::string::npos) << out;
-    ASSERT_NE(settings, std::string::npos) << out;
-    EXPECT_LT(chats, bob);
-    EXPECT_LT(bob, settings);
-    EXPECT_TRUE(contains(out, "Bob: Lunch tomorrow?"));
-    EXPECT_TRUE(contains(out, "Account"));
-    EXPECT_TRUE(contains(out, "Already at the first screen."));
-    // From a pipe, each command is echoed before what it printed.
-    EXPECT_TRUE(contains(out, "> chat bob\n== Bob ==")) << out;
-    EXPECT_TRUE(contains(out, "> back\nWent back.\n== Chats ==")) << out;
 }
 
 TEST_F(Session, MistakesAreExplainedAndTheSessionGoesOn) {
@@ -84,20 +64,7 @@ TEST_F(Session, MistakesAreExplainedAndTheSessionGoesOn) {
     EXPECT_FALSE(contains(r.out, "> screen")) << r.out;
 }
 
-TEST_F(Session, TheUsersLanguageChoosesTheHostsTexts) {
-    const Result r = send("settings\n", {"--language", "fr"});
-    ASSERT_EQ(r.status, 0) << r.err;
-    EXPECT_TRUE(contains(r.out, "== Réglages ==")) << r.out;
-    EXPECT_TRUE(contains(r.out, "== Discussions =="));
-}
-
 #ifdef PARCELVANE_LIBRARY
-TEST_F(Session, TheAppRunsWithTheLibraryInjected) {
-    const Result r = send("chat alice\nsettings\nquit\n", {"--inject", PARCELVANE_LIBRARY});
-    ASSERT_EQ(r.status, 0) << r.err;
-    EXPECT_TRUE(contains(r.out, "== Alice =="));
-    EXPECT_TRUE(contains(r.out, "== Settings =="));
-}
 #endif
 
 }  // namespace

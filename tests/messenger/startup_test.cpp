@@ -2,39 +2,39 @@
 
 namespace {
 
-using namespace messengertest;
+using namespace testsupport;
 
 TEST(Startup, ALibraryThatCannotBeLoadedEndsTheProgram) {
-    TempFolder home;
-    const fs::path garbage = home.path() / "not-a-library.so";
+    const ScratchFolder home{"messenger-test"};
+    const fs::path garbage = home / "not-a-library.so";
     std::ofstream(garbage) << "this is not an ELF file";
-    for (const std::string& library : {(home.path() / "missing.so").string(), garbage.string()}) {
-        const Result r = run({"--home", home.path().string(), "--inject", library}, "screen\n");
+    for (const std::string& library : {(home / "missing.so").string(), garbage.string()}) {
+        const Result r = run({"--home", home.path(), "--inject", library}, "screen\n");
         EXPECT_EQ(r.status, 1) << library;
         EXPECT_TRUE(contains(r.err, library)) << r.err;
         EXPECT_TRUE(r.out.empty()) << "no screen is built: " << r.out;
     }
-    const Result r = run({"--home", home.path().string()}, "",
+    const Result r = run({"--home", home.path()}, "",
                          {{"MESSENGER_INSERT_LIBRARIES", ":" + garbage.string() + ":"}});
     EXPECT_EQ(r.status, 1);
     EXPECT_TRUE(contains(r.err, garbage.string())) << r.err;
     // A bare name is a file in the current folder, not one of the system's.
     const Result bare =
-        run({"--home", home.path().string(), "--inject", "libc.so.6"}, "screen\n", {}, home.path());
+        run({"--home", home.path(), "--inject", "libc.so.6"}, "screen\n", {}, home.path());
     EXPECT_EQ(bare.status, 1);
     EXPECT_TRUE(contains(bare.err, "./libc.so.6")) << bare.err;
 #ifdef PARCELVANE_LIBRARY
-    fs::create_symlink(PARCELVANE_LIBRARY, home.path() / "libpv.so");
-    const Result here = run({"--home", home.path().string(), "--inject", "libpv.so"},
-                            "settings\nquit\n", {}, home.path());
+    fs::create_symlink(PARCELVANE_LIBRARY, home / "libpv.so");
+    const Result here =
+        run({"--home", home.path(), "--inject", "libpv.so"}, "settings\nquit\n", {}, home.path());
     EXPECT_EQ(here.status, 0) << here.err;
     EXPECT_TRUE(contains(here.out, "Parcelvane Settings")) << here.out;
 #endif
 }
 
 TEST(Startup, HomeHoldsTheContainerAndTheProvidersAndNothingGoesOutside) {
-    TempFolder base;
-    const fs::path home = base.path() / "deep" / "device";
+    const ScratchFolder base{"messenger-test"};
+    const fs::path home = base / "deep" / "device";
     const Result r = run({"--home", home.string()});
     ASSERT_EQ(r.status, 0) << r.err;
     for (const char* folder : {"Documents", "Library/Preferences", "Library/Caches", "tmp"}) {
@@ -46,11 +46,11 @@ TEST(Startup, HomeHoldsTheContainerAndTheProvidersAndNothingGoesOutside) {
 }
 
 TEST(Startup, TheDefaultContainerFollowsXdgStateHome) {
-    TempFolder state;
-    const Result r = run({}, "quit\n", {{"XDG_STATE_HOME", state.path().string()}});
+    const ScratchFolder state{"messenger-test"};
+    const Result r = run({}, "quit\n", {{"XDG_STATE_HOME", state.path()}});
     ASSERT_EQ(r.status, 0) << r.err;
-    EXPECT_TRUE(fs::is_directory(state.path() / "parcelvane-messenger" / "Container" / "Library"));
-    EXPECT_TRUE(fs::is_directory(state.path() / "parcelvane-messenger" / "DocumentProviders"));
+    EXPECT_TRUE(fs::is_directory(state / "parcelvane-messenger" / "Container" / "Library"));
+    EXPECT_TRUE(fs::is_directory(state / "parcelvane-messenger" / "DocumentProviders"));
 }
 
 TEST(Startup, BadOptionsAreRefusedWithTheUsage) {
@@ -74,9 +74,9 @@ TEST(Startup, BadOptionsAreRefusedWithTheUsage) {
         EXPECT_TRUE(contains(r.err, "4.0-4.3, 5.0-5.1, 6.0-6.1, 7.0-7.1, 8.0-8.4, 9.0-9.3"))
             << r.err;
     }
-    TempFolder home;
+    const ScratchFolder home{"messenger-test"};
     for (const char* version : {"4.0", "4.2.1", "6.1.6", "8.4.1", "9.3.5"}) {
-        const Result r = run({"--home", home.path().string(), "--ios", version}, "quit\n");
+        const Result r = run({"--home", home.path(), "--ios", version}, "quit\n");
         EXPECT_EQ(r.status, 0) << version << ": " << r.err;
     }
     const Result help = run({"--help"});

@@ -4,11 +4,11 @@
 
 #include "SharedMimeDatabase.h"
 
-#include <unistd.h>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
+#include "scratch_folder.h"
 
 namespace mobilecoreservices {
 namespace {
@@ -17,7 +17,6 @@ namespace fs = std::filesystem;
 
 class SharedMimeDatabaseTest : public ::testing::Test {
   protected:
-    ~SharedMimeDatabaseTest() override { fs::remove_all(root_); }
     fs::path write(const std::string& dir, const std::string& file, const std::string& text) {
         fs::create_directories(root_ / dir);
         std::ofstream(root_ / dir / file) << text;
@@ -27,7 +26,7 @@ class SharedMimeDatabaseTest : public ::testing::Test {
         return {views.begin(), views.end()};
     }
 
-    const fs::path root_ = fs::temp_directory_path() / ("pv-mime-" + std::to_string(::getpid()));
+    const testsupport::ScratchFolder root_{"pv-mime"};
 };
 
 TEST_F(SharedMimeDatabaseTest, GlobsByWeightCaseAndShape) {

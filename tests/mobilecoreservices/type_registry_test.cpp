@@ -6,11 +6,11 @@
 #include "SharedMimeDatabase.h"
 #include "TypeRegistry.h"
 
-#include <unistd.h>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
+#include "scratch_folder.h"
 
 namespace mobilecoreservices {
 namespace {
@@ -40,9 +40,8 @@ constexpr CoreTypeEntry kSmallTable[] = {
 };
 
 // The made-up database, written once per test.
-fs::path writeDatabase() {
-    const auto dir = fs::temp_directory_path() / ("pv-registry-" + std::to_string(::getpid()));
-    fs::create_directories(dir);
+fs::path writeDatabase(const testsupport::ScratchFolder& scratch) {
+    const fs::path dir = scratch.path();
     std::ofstream(dir / "globs2") << "50:image/jpeg:*.jpe\n"
                                      "50:application/vnd.example.kml+xml:*.kml\n"
                                      "50:image/x-layered:*.ora\n"
@@ -64,12 +63,8 @@ std::string preferred(const TypeRegistry& r, std::string_view tagClass, std::str
 
 class RegistryTest : public ::testing::Test {
   protected:
-    ~RegistryTest() override {
-        std::error_code ignored;
-        fs::remove_all(dir_, ignored);
-    }
-
-    const fs::path dir_ = writeDatabase();
+    const testsupport::ScratchFolder scratch_{"pv-registry"};
+    const fs::path dir_ = writeDatabase(scratch_);
     const TypeRegistry r{kSmallTable, SharedMimeDatabase::load({dir_})};
 };
 

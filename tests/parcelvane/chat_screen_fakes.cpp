@@ -6,7 +6,7 @@
 #include <objc/message.h>
 #include <objc/string.h>
 
-namespace chat_fakes {
+namespace testsupport {
 
 std::vector<Event>& events() {
     static std::vector<Event> recorded;
@@ -55,9 +55,9 @@ SlotRecorder::SlotRecorder(IMP& slot, Shape shape) : slot_(slot), saved_(slot) {
     slot_ = recorders[static_cast<int>(shape)];
 }
 
-}  // namespace chat_fakes
+}  // namespace testsupport
 
-using chat_fakes::events;
+using testsupport::events;
 
 OBJC_DEFINE_CLASS(FakeChatScreen, UIViewController, "FakeChatScreen")
 OBJC_REGISTER_CLASS(FakeChatScreen)

@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-namespace chat_fakes {
+namespace testsupport {
 
 // Everything sent to the fakes and every call a hook passed on, in order.
 struct Event {
@@ -46,7 +46,7 @@ class SlotRecorder {
     IMP saved_;
 };
 
-}  // namespace chat_fakes
+}  // namespace testsupport
 
 // Records sendDocumentAttachment:, sendParcelvaneFile and _presentForCurrentInterface:.
 class FakeChatScreen : public UIViewController {

@@ -23,9 +23,9 @@
 
 namespace {
 
-using chat_fakes::eventNames;
-using chat_fakes::events;
-using chat_fakes::SlotRecorder;
+using testsupport::eventNames;
+using testsupport::events;
+using testsupport::SlotRecorder;
 using Strings = std::vector<std::string>;
 namespace hooks = parcelvane::hooks;
 
@@ -53,7 +53,7 @@ class ChatScreenHooksTest : public ::testing::Test {
     }
 
     objc::AutoreleasePool pool;
-    parcelvane_testing::ScratchDefaults scratch;
+    testsupport::ScratchDefaults scratch;
     objc::Strong<FakeChatScreen> chat = objc::make<FakeChatScreen>();
     SlotRecorder shareHost{hooks::Original<&hooks::presentShareDocumentController>::imp,
                            SlotRecorder::Shape::NoArguments};

@@ -60,11 +60,11 @@ TEST_F(HelperTest, TheScreenLengthsAreItsLongAndShortSidesWhateverTheOrientation
 TEST_F(HelperTest, AppVersionsCompareNumericallyPartByPart) {
     {
         // No version at all compares as equal.
-        const parcelvane_testing::ScratchDefaults bare;
+        const testsupport::ScratchDefaults bare;
         EXPECT_TRUE(ParcelvaneHelper::isAppVersionGreaterThanOrEqualTo(NSSTR("2.12.5")));
         EXPECT_TRUE(ParcelvaneHelper::isAppVersionLessThanOrEqualTo(NSSTR("0.1")));
     }
-    const parcelvane_testing::ScratchDefaults scratch;  // also the main bundle
+    const testsupport::ScratchDefaults scratch;  // also the main bundle
     std::ofstream(std::string(NSBundle::mainBundle()->bundlePath()->utf8()) + "/Info.plist")
         << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
            "<key>CFBundleVersion</key><string>2.16.4</string></dict></plist>\n";

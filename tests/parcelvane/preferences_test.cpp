@@ -16,7 +16,7 @@ namespace {
 class PreferencesTest : public testing::Test {
   protected:
     const objc::AutoreleasePool pool_;
-    const parcelvane_testing::ScratchDefaults scratch_;
+    const testsupport::ScratchDefaults scratch_;
     NSUserDefaults* defaults() const { return scratch_.defaults(); }
 };
 

@@ -14,7 +14,7 @@
 
 namespace {
 
-using parcelvane_testing::DefaultsSpy;
+using testsupport::DefaultsSpy;
 
 objc::Strong<STSetting::ChangeBlock> counting(int& count) {
     return objc::makeBlock<void()>([&count] { ++count; });
@@ -37,7 +37,7 @@ class SettingTest : public testing::Test {
     }
 
     const objc::AutoreleasePool pool_;
-    const parcelvane_testing::ScratchDefaults scratch_;
+    const testsupport::ScratchDefaults scratch_;
     NSUserDefaults* defaults() const { return scratch_.defaults(); }
 };
 

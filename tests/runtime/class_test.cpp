@@ -52,20 +52,6 @@ TEST(Classes, LookupAndSendsIncludeSuperclasses) {
     EXPECT_FALSE(class_respondsToSelector(SubCounter::objcClass(), sel<"counterWithValue:">()));
 }
 
-TEST(Classes, ClassMethodsLiveOnTheMetaclass) {
-    const Class meta = object_getClass(Counter::objcClass());
-    EXPECT_TRUE(class_isMetaClass(meta));
-    EXPECT_NE(class_getInstanceMethod(meta, sel<"counterWithValue:">()), nullptr);
-    // A class answers for class methods only, plus the root's instance methods.
-    EXPECT_FALSE(msgSend<bool>(Counter::objcClass(), sel<"respondsToSelector:">(), sel<"value">()));
-    EXPECT_TRUE(msgSend<bool>(Counter::objcClass(), sel<"respondsToSelector:">(),
-                              sel<"counterWithValue:">()));
-    EXPECT_TRUE(
-        msgSend<bool>(Counter::objcClass(), sel<"respondsToSelector:">(), sel<"isKindOfClass:">()));
-    EXPECT_TRUE(
-        msgSend<bool>(Counter::objcClass(), sel<"instancesRespondToSelector:">(), sel<"value">()));
-}
-
 TEST(Classes, AddMethodAddsAnInheritedSelectorAndRefusesAnOwnOne) {
     const Class cls = objc_allocateClassPair(Counter::objcClass(), "AddMethodCounter", 0);
     ASSERT_NE(cls, nullptr);

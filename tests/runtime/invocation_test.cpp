@@ -158,34 +158,6 @@ std::string reasonOf(const std::function<void()>& f) {
     return "(nothing raised)";
 }
 
-TEST(MethodSignature, CountsSizesAndCompares) {
-    objc::AutoreleasePool pool;
-    NSMethodSignature* plain = NSMethodSignature::signatureWithObjCTypes("v@:");
-    EXPECT_EQ(plain->numberOfArguments(), 2u);
-    EXPECT_EQ(plain->methodReturnLength(), 0u);
-    EXPECT_EQ(plain->frameLength(), 16u);
-
-    const std::string types = std::string("c@:cd") + kRectEncoding + "s";
-    NSMethodSignature* mixed = NSMethodSignature::signatureWithObjCTypes(types.c_str());
-    EXPECT_EQ(mixed->numberOfArguments(), 6u);
-    EXPECT_EQ(mixed->methodReturnLength(), 1u);
-    EXPECT_EQ(mixed->frameLength(), 8u + 8 + 8 + 8 + 32 + 8);
-    EXPECT_STREQ(mixed->getArgumentTypeAtIndex(4), kRectEncoding);
-
-    // Equal when the types are: offsets are dropped, qualifiers kept.
-    NSMethodSignature* a = NSMethodSignature::signatureWithObjCTypes("v@:i");
-    NSMethodSignature* withOffsets = NSMethodSignature::signatureWithObjCTypes("v20@0:8i16");
-    NSMethodSignature* other = NSMethodSignature::signatureWithObjCTypes("v@:q");
-    EXPECT_TRUE(a->isEqual(withOffsets));
-    EXPECT_EQ(a->hash(), withOffsets->hash());
-    EXPECT_FALSE(a->isEqual(other));
-    EXPECT_FALSE(a->isEqual(NSSTR("v@:i")));
-    EXPECT_FALSE(a->isEqual(nullptr));
-    EXPECT_STREQ(withOffsets->getArgumentTypeAtIndex(2), "i");
-    EXPECT_STREQ(NSMethodSignature::signatureWithObjCTypes("Vv@:n^i")->getArgumentTypeAtIndex(2),
-                 "n^i");
-}
-
 TEST(MethodSignature, RejectsBadEncodingsAndIndexes) {
     objc::AutoreleasePool pool;
     for (const char* bad : {"", "i@:{CGRect", "v@:^", "v@:[3", "v@:x"}) {
@@ -288,16 +260,6 @@ TEST(Invocation, LargeStructArgumentsOutliveTheCall) {
     CGRect result{};
     inv->getReturnValue(&result);
     EXPECT_EQ(result, CGRectMake(1, 1, 8, 18));
-}
-
-TEST(Invocation, ANilTargetZeroesTheResult) {
-    objc::AutoreleasePool pool;
-    NSInvocation* inv = recorderInvocation(nullptr, sel<"add:">(), 5L);
-    long result = 99;
-    inv->setReturnValue(&result);
-    inv->invoke();
-    inv->getReturnValue(&result);
-    EXPECT_EQ(result, 0);
 }
 
 TEST(Invocation, KeptAndReplayedOnAnotherTarget) {

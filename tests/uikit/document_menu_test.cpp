@@ -6,17 +6,6 @@ namespace {
 
 using DocumentMenuTest = UIKitTest;
 
-TEST_F(DocumentMenuTest, KeepsACopyOfItsTypesAndItsMode) {
-    auto types = NSMutableArray::create({NSSTR("com.adobe.pdf"), NSSTR("public.text")});
-    auto menu = UIDocumentMenuViewController::create(types.get(), UIDocumentPickerModeOpen);
-    types->addObject(NSSTR("public.data"));  // the caller's later change is not seen
-    EXPECT_EQ(menu->typeList(), (std::vector<std::string>{"com.adobe.pdf", "public.text"}));
-    EXPECT_EQ(menu->mode(), UIDocumentPickerModeOpen);
-    EXPECT_TRUE(UIDocumentMenuViewController::create(nullptr, UIDocumentPickerModeImport)
-                    ->typeList()
-                    .empty());
-}
-
 TEST_F(DocumentMenuTest, OptionsRunTheirHandlerAfterTheMenuIsDismissed) {
     std::vector<std::string> log;
     auto presenter = UIViewController::create();
@@ -39,18 +28,6 @@ TEST_F(DocumentMenuTest, OptionsRunTheirHandlerAfterTheMenuIsDismissed) {
     drain();
     EXPECT_EQ(log, std::vector<std::string>{"last"});
     EXPECT_FALSE(menu->chooseOption(2));
-}
-
-TEST_F(DocumentMenuTest, CancellingTellsTheDelegate) {
-    auto delegate = objc::make<RecordingDelegate>();
-    auto presenter = UIViewController::create();
-    auto menu = UIDocumentMenuViewController::create(nullptr, UIDocumentPickerModeImport);
-    menu->setDelegate(delegate.get());
-    presenter->presentViewController(menu.get(), false, nullptr);
-    menu->cancel();
-    drain();
-    EXPECT_EQ(presenter->presentedViewController(), nullptr);
-    EXPECT_EQ(delegate->log, std::vector<std::string>{"menuCancelled"});
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 // The document picker over a provider folder.
+#include "scratch_folder.h"
 #include "uikit_fixture.h"
 
 #include <Foundation/NSArray.h>
@@ -7,7 +8,6 @@
 
 #include <objc/image.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -56,9 +56,6 @@ class DocumentPickerTest : public UIKitTest {
   protected:
     void SetUp() override {
         UIKitTest::SetUp();
-        std::string pattern = (fs::temp_directory_path() / "picker-test-XXXXXX").string();
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        root = pattern;
         home = root / "App";
         fs::create_directories(home / "tmp");
         foundation::configureProcess({home.string(), "", {"en"}});
@@ -72,8 +69,6 @@ class DocumentPickerTest : public UIKitTest {
     void TearDown() override {
         UIKitTest::TearDown();
         foundation::configureProcess({});
-        std::error_code error;
-        fs::remove_all(root, error);
     }
     static void write(const fs::path& path, const std::string& bytes) {
         std::ofstream(path, std::ios::binary) << bytes;
@@ -88,7 +83,7 @@ class DocumentPickerTest : public UIKitTest {
         return UIDocumentPickerViewController::create(types.get(), mode);
     }
 
-    fs::path root;
+    const testsupport::ScratchFolder root{"picker-test"};
     fs::path home;
     fs::path providerFolder;
 };

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include <unistd.h>
+#include "scratch_folder.h"
 
 #include <algorithm>
 #include <array>
@@ -132,9 +132,7 @@ TEST(ImageDecoding, EncodesToPNGAndBack) {
 
 TEST(ImageDecoding, FilesTakeTheirScaleFromTheName) {
     objc::AutoreleasePool pool;
-    const auto folder =
-        std::filesystem::temp_directory_path() / ("uikit-image-" + std::to_string(::getpid()));
-    std::filesystem::create_directories(folder);
+    const testsupport::ScratchFolder folder("uikit-image");
     const auto write = [&](const std::string& name) {
         std::ofstream(folder / name, std::ios::binary)
             .write(reinterpret_cast<const char*>(kRGBA3x2), sizeof kRGBA3x2);
@@ -147,7 +145,6 @@ TEST(ImageDecoding, FilesTakeTheirScaleFromTheName) {
     EXPECT_EQ(
         UIImage::imageWithContentsOfFile(NSString::create((folder / "none.png").string()).get()),
         nullptr);
-    std::filesystem::remove_all(folder);
 }
 
 }  // namespace

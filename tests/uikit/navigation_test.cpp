@@ -35,23 +35,6 @@ TEST_F(NavigationTest, PushAndPopMoveTheStack) {
     EXPECT_EQ(nav->popToRootViewControllerAnimated(false), nullptr);
 }
 
-TEST_F(NavigationTest, PushingNilRaisesInvalidArgument) {
-    auto nav = UINavigationController::create(UIViewController::create().get());
-    try {
-        nav->pushViewController(nullptr, true);
-        FAIL() << "pushing nil must raise";
-    } catch (const objc::Exception& e) {
-        EXPECT_EQ(e.name(), "NSInvalidArgumentException");
-        EXPECT_NE(e.reason().find("Application tried to push a nil view controller on target"),
-                  std::string::npos)
-            << e.reason();
-    }
-    EXPECT_EQ(nav->viewControllers()->count(), 1u);
-    // The same controller twice as well.
-    EXPECT_THROW(nav->pushViewController(nav->topViewController(), false), objc::Exception);
-    EXPECT_EQ(nav->viewControllers()->count(), 1u);
-}
-
 TEST_F(NavigationTest, OnScreenPushesAndPopsMoveAppearance) {
     std::vector<std::string> log;
     auto window = UIWindow::create();

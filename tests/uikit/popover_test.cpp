@@ -65,19 +65,6 @@ TEST_F(PopoverTest, TheUserDismissesThroughTheDelegate) {
     EXPECT_TRUE(delegate->log.empty());
 }
 
-TEST_F(PopoverTest, AnchorsMustBeInAWindow) {
-    auto popover = objc::adopt(objc::alloc<UIPopoverController>()->initWithContentViewController(
-        UIViewController::create().get()));
-    auto loose = UIView::create(CGRectMake(0, 0, 10, 10));
-    EXPECT_THROW(
-        popover->presentPopoverFromRect(CGRectZero, loose.get(), UIPopoverArrowDirectionAny, false),
-        objc::Exception);
-    EXPECT_THROW(
-        popover->presentPopoverFromRect(CGRectZero, nullptr, UIPopoverArrowDirectionAny, false),
-        objc::Exception);
-    EXPECT_FALSE(popover->isPopoverVisible());
-}
-
 TEST_F(PopoverTest, PhonesBeforeIOS8HaveNoPopovers) {
     auto profile = uikit::DeviceProfile::iPhone5s();
     profile.systemVersion = "7.1";

@@ -136,14 +136,4 @@ TEST_F(PresentationTest, SheetsOnAnIPadLeaveThePresenterOnScreen) {
     EXPECT_EQ(presenter->appearance(), UIViewController::Appearance::Appeared);
 }
 
-TEST_F(PresentationTest, ViewsLoadOnceAndOnDemand) {
-    std::vector<std::string> log;
-    auto controller = RecordingViewController::create("c", &log);
-    EXPECT_EQ(controller->viewIfLoaded(), nullptr);
-    UIView* view = controller->view();
-    EXPECT_EQ(controller->view(), view);
-    EXPECT_EQ(controller->loadCount, 1);
-    EXPECT_EQ(view->nextResponder(), controller.get());
-}
-
 }  // namespace

@@ -116,36 +116,6 @@ TEST_F(TableCells, StylesDecideTheLabelsWhichKeepACopyOfTheirText) {
     EXPECT_EQ(plain->textLabel()->text()->utf8(), "Parcelvane");
 }
 
-TEST_F(TableCells, AccessoryViewIsRetainedAndFoundByTag) {
-    UISwitch* control = nullptr;
-    auto cell = UITableViewCell::create(UITableViewCellStyleDefault, NSSTR("Switch"));
-    {
-        auto owned = UISwitch::create();
-        owned->setTag(34);
-        control = owned.get();
-        cell->setAccessoryView(control);
-    }
-    // Only the cell holds the switch now.
-    EXPECT_EQ(cell->viewWithTag(34), control);
-    EXPECT_EQ(control->superview(), cell.get());
-    auto replacement = UISwitch::create();
-    cell->setAccessoryView(replacement.get());
-    EXPECT_EQ(cell->viewWithTag(34), nullptr);
-    cell->setAccessoryView(nullptr);
-    EXPECT_EQ(replacement->superview(), nullptr);
-}
-
-TEST_F(TableCells, SelectionStyleDefaultsFollowTheSystemVersion) {
-    auto modern = UITableViewCell::create(UITableViewCellStyleDefault);
-    EXPECT_EQ(modern->selectionStyle(), UITableViewCellSelectionStyleDefault);
-
-    auto old = uikit::DeviceProfile::iPhone4s();
-    old.systemVersion = "6.1";
-    uikit::configureDevice(old);
-    auto legacy = UITableViewCell::create(UITableViewCellStyleDefault);
-    EXPECT_EQ(legacy->selectionStyle(), UITableViewCellSelectionStyleBlue);
-}
-
 class TableViews : public UIKitTest {
   protected:
     void SetUp() override {
@@ -239,15 +209,6 @@ TEST_F(TableViews, UserTapsSelectThenTellTheDelegate) {
     EXPECT_EQ(delegate->log, std::vector<std::string>{"will:1.1"});
     EXPECT_EQ(table->indexPathForSelectedRow()->row(), 0);
     EXPECT_FALSE(table->userSelectRowAtIndexPath(at(9, 9)));
-}
-
-TEST_F(TableViews, WithoutADataSourceTheTableIsEmptyAndANilCellRaises) {
-    auto empty = UITableView::create();
-    EXPECT_EQ(empty->numberOfSections(), 0);
-    EXPECT_EQ(empty->cellForRowAtIndexPath(at(0, 0)), nullptr);
-    EXPECT_FALSE(empty->userSelectRowAtIndexPath(at(0, 0)));
-    source->answerNil = true;  // a nil cell from the data source raises
-    EXPECT_THROW(table->cellForRowAtIndexPath(at(0, 0)), objc::Exception);
 }
 
 }  // namespace

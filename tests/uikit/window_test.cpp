@@ -24,13 +24,6 @@ TEST_F(WindowTest, KeyWindowIsAClassMethodAndFollowsTheLastWindowMadeKey) {
     EXPECT_EQ(UIWindow::keyWindow(), nullptr);
 }
 
-TEST_F(WindowTest, OnlyInstancesAnswerRootViewController) {
-    const SEL root = objc::sel<"rootViewController">();
-    const id windowClass = UIWindow::objcClass();
-    EXPECT_FALSE(objc::msgSend<bool>(windowClass, objc::sel<"respondsToSelector:">(), root));
-    EXPECT_TRUE(objc::msgSend<bool>(windowClass, objc::sel<"instancesRespondToSelector:">(), root));
-}
-
 TEST_F(WindowTest, RootControllerFillsTheWindowAndAppearsWhenShown) {
     std::vector<std::string> log;
     auto window = UIWindow::create();
@@ -49,43 +42,6 @@ TEST_F(WindowTest, RootControllerFillsTheWindowAndAppearsWhenShown) {
     EXPECT_EQ(root->view()->superview(), nullptr);
     EXPECT_EQ(log, (std::vector<std::string>{"root.willDisappear", "next.load", "next.willAppear",
                                              "root.didDisappear", "next.didAppear"}));
-}
-
-TEST_F(WindowTest, ViewGeometryKeepsFrameBoundsAndCentreConsistent) {
-    auto view = UIView::create(CGRectMake(10, 20, 100, 50));
-    EXPECT_EQ(view->center(), CGPointMake(60, 45));
-    view->setCenter(CGPointMake(0, 0));
-    EXPECT_EQ(view->frame(), CGRectMake(-50, -25, 100, 50));
-    view->setBounds(CGRectMake(0, 0, 10, 10));
-    EXPECT_EQ(view->frame(), CGRectMake(-5, -5, 10, 10));
-}
-
-TEST_F(WindowTest, SubviewsMoveBetweenParentsAndKeepOrder) {
-    auto a = UIView::create(CGRectZero);
-    auto b = UIView::create(CGRectZero);
-    auto x = UIView::create(CGRectZero);
-    auto y = UIView::create(CGRectZero);
-    a->addSubview(x.get());
-    a->addSubview(y.get());
-    a->insertSubviewAtIndex(b.get(), 1);
-    ASSERT_EQ(a->subviews()->count(), 3u);
-    EXPECT_EQ(a->subviews()->objectAtIndex(1), b.get());
-    a->bringSubviewToFront(x.get());
-    EXPECT_EQ(a->subviews()->lastObject(), x.get());
-
-    b->addSubview(x.get());
-    EXPECT_EQ(x->superview(), b.get());
-    EXPECT_EQ(a->subviews()->count(), 2u);
-    EXPECT_TRUE(x->isDescendantOfView(a.get()));
-
-    EXPECT_THROW(a->addSubview(a.get()), objc::Exception);
-    EXPECT_THROW(x->addSubview(a.get()), objc::Exception);
-    a->addSubview(nullptr);
-    EXPECT_EQ(a->subviews()->count(), 2u);
-
-    x->removeFromSuperview();
-    EXPECT_EQ(x->superview(), nullptr);
-    EXPECT_TRUE(b->subviews()->count() == 0);
 }
 
 TEST_F(WindowTest, SubviewsAndSuperviewsDoNotOutliveTheirOwners) {

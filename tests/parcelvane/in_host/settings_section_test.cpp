@@ -2,8 +2,8 @@
 // messenger's scripts cannot see: the switches' writes and globals, a host
 // that keeps its sections, and the icon's download.
 #include "hooks/settings_switches.h"
-#include "parcelvane/defaults_spy.h"
 #include "parcelvane/in_host/settings_fixture.h"
+#include "support/defaults_spy.h"
 #include "support/loopback_http_server.h"
 #include "support/tiny_png.h"
 
@@ -22,7 +22,7 @@
 namespace {
 
 using in_host::SettingsScreenTest;
-using parcelvane_testing::DefaultsSpy;
+using testsupport::DefaultsSpy;
 
 // Counts -[NSUserDefaults synchronize] while it lives, and passes it on.
 class SynchronizeCounter {

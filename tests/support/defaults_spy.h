@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace parcelvane_testing {
+namespace testsupport {
 
 class DefaultsSpy {
   public:
@@ -51,4 +51,4 @@ class DefaultsSpy {
     IMP saved_ = nullptr;
 };
 
-}  // namespace parcelvane_testing
+}  // namespace testsupport

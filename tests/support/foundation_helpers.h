@@ -1,4 +1,4 @@
-// Small helpers the Foundation tests share.
+// Small helpers for tests over Foundation values.
 #pragma once
 
 #include <Foundation/NSArray.h>
@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace testing_support {
+namespace testsupport {
 
 // An autoreleased string, as @"..." would give.
 inline NSString* S(const char* utf8) {
@@ -48,4 +48,4 @@ inline std::string corpusFile(const std::string& relative) {
     return bytes.str();
 }
 
-}  // namespace testing_support
+}  // namespace testsupport

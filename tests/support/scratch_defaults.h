@@ -1,0 +1,32 @@
+// Points the process's standard user defaults (and its main bundle) at a
+// fresh container for the length of one test, and back afterwards.
+#pragma once
+
+#include "scratch_folder.h"
+
+#include <Foundation/NSUserDefaults.h>
+#include <Foundation/ProcessEnvironment.h>
+
+namespace testsupport {
+
+class ScratchDefaults {
+  public:
+    ScratchDefaults() {
+        foundation::configureProcess({home_.path(), home_.path(), {"en"}});
+        NSUserDefaults::resetStandardUserDefaults();
+    }
+    ~ScratchDefaults() {
+        NSUserDefaults::resetStandardUserDefaults();
+        foundation::configureProcess({});
+    }
+    ScratchDefaults(const ScratchDefaults&) = delete;
+    ScratchDefaults& operator=(const ScratchDefaults&) = delete;
+
+    NSUserDefaults* defaults() const { return NSUserDefaults::standardUserDefaults(); }
+    const std::string& home() const { return home_.path(); }
+
+  private:
+    const ScratchFolder home_{"pv-defaults"};
+};
+
+}  // namespace testsupport
