@@ -32,7 +32,7 @@ namespace hooks = parcelvane::hooks;
 class ChatScreenHooksTest : public ::testing::Test {
   protected:
     ChatScreenHooksTest() {
-        chat_fakes::libraryInstalled();
+        testsupport::libraryInstalled();
         events().clear();
     }
     ~ChatScreenHooksTest() override {

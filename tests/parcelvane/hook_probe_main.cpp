@@ -3,6 +3,7 @@
 // initialisers install the hooks) and checks the result. Prints one line per
 // check; exits 1 at the first failed one, 2 when the library cannot be loaded.
 #include "hook_probe_toolkit.h"
+#include "../support/scratch_folder.h"
 
 #include <Foundation/NSRunLoop.h>
 
@@ -14,7 +15,7 @@
 
 namespace {
 
-using namespace probe;
+using namespace testsupport;
 
 constexpr const char* kChat = "WAChatSessionViewController";
 constexpr const char* kStatic = "WAStaticTableViewController";
@@ -44,15 +45,14 @@ void twoCopies() {
     defineTableParts(table);
     defineClass<kOwn>(kSettings, table, {"setupTableView"});
 
-    char pattern[] = "/tmp/hook-probe-XXXXXX";
-    check(::mkdtemp(pattern) != nullptr, "made a scratch folder");
-    const std::filesystem::path folder = pattern;
     std::vector<void*> copies;
-    for (const char* name : {"first.so", "second.so"}) {
-        std::filesystem::copy_file(PARCELVANE_LIBRARY, folder / name);
-        copies.push_back(loadLibrary((folder / name).c_str()));
+    {
+        const testsupport::ScratchFolder folder("hook-probe");
+        for (const char* name : {"first.so", "second.so"}) {
+            std::filesystem::copy_file(PARCELVANE_LIBRARY, folder / name);
+            copies.push_back(loadLibrary((folder / name).c_str()));
+        }
     }
-    std::filesystem::remove_all(folder);
 
     for (const std::string& selector : kChatReplaced)
         expectPassedOn(classNamed(kChat), selector, kOwn);

@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-namespace probe {
+namespace testsupport {
 
 void check(bool ok, const std::string& what) {
     std::printf("%s: %s\n", ok ? "ok" : "FAIL", what.c_str());
@@ -123,4 +123,4 @@ void expectPassedOn(Class cls, const std::string& selector, const char* owner) {
           what + ": with the same receiver and arguments");
 }
 
-}  // namespace probe
+}  // namespace testsupport

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace probe {
+namespace testsupport {
 
 // Prints the check; a false one ends the probe with status 1.
 void check(bool ok, const std::string& what);
@@ -92,4 +92,4 @@ Method ownMethod(Class cls, const std::string& selector);
 // Sends the selector to a fresh instance and checks that exactly one stand-in
 // of it ran, the owner's, with the same receiver and arguments.
 void expectPassedOn(Class cls, const std::string& selector, const char* owner);
-}  // namespace probe
+}  // namespace testsupport

@@ -110,7 +110,7 @@ TEST(HookRows, AHostClassWithoutTheMethodLeavesOnlyThatRowOut) {
     expected[8] = Installed;
     expected[9] = MethodMissing;
     expected[10] = Installed;
-    EXPECT_EQ(chat_fakes::libraryInstalled(), expected);
+    EXPECT_EQ(testsupport::libraryInstalled(), expected);
     const Class settings = objc_getClass("WASettingsViewController");
     unsigned int count = 0;
     Method* const methods = class_copyMethodList(settings, &count);

@@ -15,7 +15,7 @@ namespace {
 using namespace parcelvane::hooks;
 
 TEST(HookTableInHost, EveryRowIsInstalledUnderTheTypesOfItsFunction) {
-    EXPECT_EQ(in_host::installResults(),
+    EXPECT_EQ(testsupport::installResults(),
               std::vector<HookResult>(hookTable().size(), HookResult::Installed));
     for (const HookRow& row : hookTable()) {
         SCOPED_TRACE(std::string(row.className) + " " + row.selector);

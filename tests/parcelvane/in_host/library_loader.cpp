@@ -14,7 +14,7 @@
 #include <cstdlib>
 #include <stdexcept>
 
-namespace in_host {
+namespace testsupport {
 
 namespace {
 
@@ -71,4 +71,4 @@ const std::string& refusingProxy() {
     return port.url();
 }
 
-}  // namespace in_host
+}  // namespace testsupport

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace in_host {
+namespace testsupport {
 
 // What installing the library's hook table answered, row by row.
 const std::vector<parcelvane::hooks::HookResult>& installResults();
@@ -20,4 +20,4 @@ const std::vector<parcelvane::hooks::HookResult>& installResults();
 // "http://127.0.0.1:PORT" of a port that refuses connections.
 const std::string& refusingProxy();
 
-}  // namespace in_host
+}  // namespace testsupport

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "parcelvane/in_host/library_loader.h"
+#include "support/scratch_folder.h"
 
 #include <Host/WASettingsViewController.h>
 #include <Host/WATableRow.h>
@@ -27,15 +28,12 @@
 #include <stdexcept>
 #include <string>
 
-namespace in_host {
+namespace testsupport {
 
 class SettingsScreenTest : public ::testing::Test {
   protected:
     SettingsScreenTest() {
-        std::string pattern = "/tmp/pv-settings-XXXXXX";
-        if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
-        folder_ = pattern;
-        foundation::configureProcess({folder_, folder_, {"en"}});
+        foundation::configureProcess({scratch_.path(), scratch_.path(), {"en"}});
         NSUserDefaults::resetStandardUserDefaults();
     }
 
@@ -52,8 +50,6 @@ class SettingsScreenTest : public ::testing::Test {
         uikit::configureDevice(uikit::DeviceProfile::defaultProfile());
         NSUserDefaults::resetStandardUserDefaults();
         foundation::configureProcess({});
-        std::error_code ignored;
-        std::filesystem::remove_all(folder_, ignored);
     }
 
     // Shows the Settings screen (its view loads, which builds the table) on
@@ -77,7 +73,7 @@ class SettingsScreenTest : public ::testing::Test {
     objc::Strong<UINavigationController> navigation;
 
   private:
-    std::string folder_;
+    const ScratchFolder scratch_{"pv-settings"};
 };
 
-}  // namespace in_host
+}  // namespace testsupport

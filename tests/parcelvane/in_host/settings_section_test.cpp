@@ -21,7 +21,7 @@
 
 namespace {
 
-using in_host::SettingsScreenTest;
+using testsupport::SettingsScreenTest;
 using testsupport::DefaultsSpy;
 
 // Counts -[NSUserDefaults synchronize] while it lives, and passes it on.
