@@ -79,11 +79,11 @@ std::string standardFilePath() {
 // The key as given, checked: nil and non-string keys are refused.
 NSString* checkedKey(NSString* key, const char* method) {
     if (key == nullptr) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     std::string("-[NSUserDefaults ") + method + "]: nil key");
     }
     if (!objc::isKindOf(key, NSString::objcClass())) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     std::string("-[NSUserDefaults ") + method + "]: key of class " +
                         object_getClassName(key) + " is not a string");
     }
@@ -183,7 +183,7 @@ void NSUserDefaults::imp_setObjectForKey(id value, NSString* key) {
     std::string problem;
     auto copy = foundation::detail::copyPropertyList(value, &problem);
     if (!copy) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "-[NSUserDefaults setObject:forKey:]: attempt to insert non-property list " +
                         problem + " for key \"" + key->utf8() + "\"");
     }
@@ -224,7 +224,7 @@ void NSUserDefaults::imp_registerDefaults(NSDictionary* defaults) {
     const auto copy = foundation::detail::copyPropertyList(defaults, &problem);
     auto* dictionary = objc::cast<NSDictionary>(copy.get());
     if (dictionary == nullptr) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "-[NSUserDefaults registerDefaults:]: not a property list: " + problem);
     }
     Entries entries;
@@ -310,11 +310,11 @@ void NSUserDefaults::imp_addObserver(id observer, NSString* keyPath,
 
 namespace {
 [[noreturn]] void notRegistered(id observer, NSString* keyPath, id defaults) {
-    objc::raise(objc::kRangeException, std::string("Cannot remove an observer <") +
-                                           object_getClassName(observer) + "> for the key path \"" +
-                                           keyPath->utf8() + "\" from <" +
-                                           object_getClassName(defaults) +
-                                           "> because it is not registered as an observer.");
+    objc::raise(objc::exception_name::Range, std::string("Cannot remove an observer <") +
+                                                 object_getClassName(observer) +
+                                                 "> for the key path \"" + keyPath->utf8() +
+                                                 "\" from <" + object_getClassName(defaults) +
+                                                 "> because it is not registered as an observer.");
 }
 }  // namespace
 

@@ -147,8 +147,11 @@ TEST(TypeInfoTest, SizeAndAlignmentFunction) {
     EXPECT_STREQ(next, "@0:8");
     next = NSGetSizeAndAlignment(next, nullptr, nullptr);
     EXPECT_STREQ(next, ":8");
-    EXPECT_THROW(NSGetSizeAndAlignment("{A=", &size, nullptr), EncodingError);
-    EXPECT_THROW(NSGetSizeAndAlignment(nullptr, &size, nullptr), std::invalid_argument);
+    EXPECT_THROW(objc::getSizeAndAlignment("{A=", &size, nullptr), EncodingError);
+    EXPECT_THROW(objc::getSizeAndAlignment(nullptr, &size, nullptr), std::invalid_argument);
+    // The C entry reports a malformed encoding without throwing.
+    EXPECT_EQ(NSGetSizeAndAlignment("{A=", &size, &alignment), nullptr);
+    EXPECT_EQ(size + alignment, 0u);
 }
 
 TEST(TypeInfoTest, MalformedEncodingsThrow) {
