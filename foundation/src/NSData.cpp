@@ -213,7 +213,7 @@ NSData* NSData::imp_subdataWithRange(NSRange range) const {
 bool NSData::imp_writeToFileAtomically(NSString* path, bool atomically) const {
     if (path == nullptr || path->utf8().empty()) return false;
     if (atomically) {
-        return foundation::detail::writeFileAtomically(path->utf8(), view());
+        return foundation::detail::writeFileAtomically(path->utf8(), view()).ok();
     }
     return writeInPlace(path->utf8(), bytes_);
 }

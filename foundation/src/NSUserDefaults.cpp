@@ -180,14 +180,13 @@ void NSUserDefaults::imp_setObjectForKey(id value, NSString* key) {
         store_->set(storedKey(key), nullptr);
         return;
     }
-    std::string problem;
-    auto copy = foundation::detail::copyPropertyList(value, &problem);
+    auto copy = foundation::detail::copyPropertyList(value);
     if (!copy) {
         objc::raise(objc::exception_name::InvalidArgument,
                     "-[NSUserDefaults setObject:forKey:]: attempt to insert non-property list " +
-                        problem + " for key \"" + key->utf8() + "\"");
+                        copy.error().message + " for key \"" + key->utf8() + "\"");
     }
-    store_->set(storedKey(key), std::move(copy));
+    store_->set(storedKey(key), std::move(*copy));
 }
 
 void NSUserDefaults::imp_removeObjectForKey(NSString* key) {
@@ -220,12 +219,12 @@ bool NSUserDefaults::imp_synchronize() {
 
 void NSUserDefaults::imp_registerDefaults(NSDictionary* defaults) {
     if (defaults == nullptr) return;
-    std::string problem;
-    const auto copy = foundation::detail::copyPropertyList(defaults, &problem);
-    auto* dictionary = objc::cast<NSDictionary>(copy.get());
+    const auto copy = foundation::detail::copyPropertyList(defaults);
+    auto* dictionary = objc::cast<NSDictionary>(copy ? copy->get() : nullptr);
     if (dictionary == nullptr) {
         objc::raise(objc::exception_name::InvalidArgument,
-                    "-[NSUserDefaults registerDefaults:]: not a property list: " + problem);
+                    "-[NSUserDefaults registerDefaults:]: not a property list: " +
+                        (copy ? std::string() : copy.error().message));
     }
     Entries entries;
     entries.reserve(dictionary->size());
