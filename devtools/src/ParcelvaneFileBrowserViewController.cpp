@@ -43,6 +43,7 @@ void C::objcDefine(objc::ClassBuilder<C>& b) {
 
 namespace {
 
+using tolbrenn::detail::brokenLinkReason;
 using tolbrenn::detail::normalizePath;
 using tolbrenn::detail::parentPath;
 using tolbrenn::detail::realPath;
@@ -110,16 +111,16 @@ bool C::imp_reloadData() {
 }
 
 bool C::showPath(const std::string& path) {
-    tolbrenn::detail::FolderListing listing = tolbrenn::detail::readFolder(path);
-    if (!listing.error.empty()) {
-        error_ = "Cannot open folder: " + listing.error;
+    auto listing = tolbrenn::detail::readFolder(path);
+    if (!listing) {
+        error_ = "Cannot open folder: " + listing.error().message;
         // A first load that fails still settles: the browser is empty, not stale.
         if (!loaded_) loaded_ = true;
         return false;
     }
     error_.clear();
     path_ = path;
-    entries_ = std::move(listing.entries);
+    entries_ = std::move(*listing);
     loaded_ = true;
     setTitle(NSString::create(titleFor(path_)).get());
     return true;
@@ -161,14 +162,14 @@ bool C::navigateTo(const std::string& path) {
 
 C* C::stackedBrowserAt(const std::string& path) {
     UINavigationController* nav = navigationController();
-    std::string ignored;
-    const auto real = realPath(path, &ignored);
+    const auto real = realPath(path);
     if (nav == nullptr || !real) return nullptr;
     for (const auto& controller : nav->childList()) {
         auto* browser = objc::isKindOf(controller.get(), C::objcClass())
                             ? static_cast<C*>(controller.get())
                             : nullptr;
-        if (browser != nullptr && realPath(browser->path_, &ignored) == real) return browser;
+        if (browser == nullptr) continue;
+        if (const auto other = realPath(browser->path_); other && *other == *real) return browser;
     }
     return nullptr;
 }
@@ -183,20 +184,16 @@ bool C::imp_openEntryAtIndex(NSUInteger index) {
     switch (entry.kind) {
         case Entry::Kind::File:
             return chooseEntryAtIndex(index);
-        case Entry::Kind::BrokenLink: {
-            std::string reason = "No such file or directory";
-            realPath(entry.path, &reason);
-            error_ = "Cannot open link: " + reason;
+        case Entry::Kind::BrokenLink:
+            error_ = "Cannot open link: " + brokenLinkReason(entry.path);
             return false;
-        }
         case Entry::Kind::Folder:
             break;
     }
     if (!entry.isSymbolicLink) return navigateTo(entry.path);
-    std::string reason;
-    const auto real = realPath(entry.path, &reason);
+    const auto real = realPath(entry.path);
     if (!real) {
-        error_ = "Cannot open link: " + reason;
+        error_ = "Cannot open link: " + real.error().message;
         return false;
     }
     return navigateTo(*real);
@@ -225,9 +222,7 @@ bool C::imp_chooseEntryAtIndex(NSUInteger index) {
         return false;
     }
     if (entry.kind == Entry::Kind::BrokenLink) {
-        std::string reason = "No such file or directory";
-        realPath(entry.path, &reason);
-        error_ = "Cannot open link: " + reason;
+        error_ = "Cannot open link: " + brokenLinkReason(entry.path);
         return false;
     }
     error_.clear();

@@ -52,7 +52,7 @@ void TolbrennDevTools::imp_showFilePicker(Class, UIViewController* presenter,
                                           PathBlock* didSelectFile, PathBlock* didLoadPath,
                                           PathBlock* cancelBlock) {
     if (presenter == nullptr) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "+[TolbrennDevTools showFilePickerFromViewController:...]: nil presenter");
     }
     loadFileBrowserLibrariesIfNeeded();

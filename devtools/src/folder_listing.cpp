@@ -67,16 +67,15 @@ bool before(const Sortable& a, const Sortable& b) {
 
 }  // namespace
 
-FolderListing readFolder(const std::string& path) {
+objc::Result<std::vector<Entry>> readFolder(const std::string& path) {
     const objc::AutoreleasePool pool;
-    FolderListing listing;
     NSError* error = nullptr;
     NSArray* names = NSFileManager::defaultManager()->contentsOfDirectoryAtPath(
         NSString::create(path).get(), &error);
     if (names == nullptr) {
-        listing.error = error != nullptr ? std::string(error->localizedDescription()->UTF8String())
-                                         : std::string("Unknown error");
-        return listing;
+        return objc::Error{0, error != nullptr
+                                  ? std::string(error->localizedDescription()->UTF8String())
+                                  : std::string("Unknown error")};
     }
     std::vector<Sortable> items;
     const NSUInteger count = names->count();
@@ -86,9 +85,10 @@ FolderListing readFolder(const std::string& path) {
         items.push_back({classify(path, name->UTF8String()), objc::retained(name)});
     }
     std::sort(items.begin(), items.end(), before);
-    listing.entries.reserve(items.size());
-    for (auto& item : items) listing.entries.push_back(std::move(item.entry));
-    return listing;
+    std::vector<Entry> entries;
+    entries.reserve(items.size());
+    for (auto& item : items) entries.push_back(std::move(item.entry));
+    return entries;
 }
 
 std::string joinPath(const std::string& folder, const std::string& name) {
@@ -114,14 +114,19 @@ std::string normalizePath(const std::string& path) {
     return normal;
 }
 
-std::optional<std::string> realPath(const std::string& path, std::string* error) {
+objc::Result<std::string> realPath(const std::string& path) {
     const std::unique_ptr<char, decltype(&std::free)> resolved(::realpath(path.c_str(), nullptr),
                                                                &std::free);
     if (resolved == nullptr) {
-        if (error != nullptr) *error = std::generic_category().message(errno);
-        return std::nullopt;
+        const int code = errno;
+        return objc::Error{code, std::generic_category().message(code)};
     }
     return std::string(resolved.get());
+}
+
+std::string brokenLinkReason(const std::string& path) {
+    const auto real = realPath(path);
+    return real ? std::string("No such file or directory") : real.error().message;
 }
 
 }  // namespace tolbrenn::detail

@@ -93,7 +93,7 @@ NSArray* NSArray::newArray(Class cls, const std::vector<id>& objects) {
     auto* array = objc::cast<NSArray>(obj);
     if (array == nullptr) {
         objc_release(obj);
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     std::string("not an array class: ") + class_getName(cls));
     }
     try {
@@ -110,7 +110,7 @@ void NSArray::assignObjects(const std::vector<id>& objects) {
     fresh.reserve(objects.size());
     for (std::size_t i = 0; i < objects.size(); ++i) {
         if (objects[i] == nullptr) {
-            objc::raise(objc::kInvalidArgumentException,
+            objc::raise(objc::exception_name::InvalidArgument,
                         "*** -[NSArray initWithObjects:count:]: attempt to insert nil object from "
                         "objects[" +
                             std::to_string(i) + "]");
@@ -133,7 +133,7 @@ void NSArray::checkMutations(std::uint64_t mutations) const {
     if (mutations != mutations_) {
         char buffer[32];
         std::snprintf(buffer, sizeof buffer, "%p", static_cast<const void*>(this));
-        objc::raise(foundation::kGenericException,
+        objc::raise(objc::exception_name::Generic,
                     std::string("*** Collection <") +
                         object_getClassName(const_cast<NSArray*>(this)) + ": " + buffer +
                         "> was mutated while being enumerated.");
@@ -144,8 +144,9 @@ void NSArray::raiseIndex(const char* method, NSUInteger index) const {
     const std::string bounds = objects_.empty()
                                    ? std::string("for empty array")
                                    : "[0 .. " + std::to_string(objects_.size() - 1) + "]";
-    objc::raise(objc::kRangeException, methodName(this, method) + ": index " +
-                                           std::to_string(index) + " beyond bounds " + bounds);
+    objc::raise(
+        objc::exception_name::Range,
+        methodName(this, method) + ": index " + std::to_string(index) + " beyond bounds " + bounds);
 }
 
 Objects NSArray::sortedObjects(const std::function<NSInteger(id, id)>& compare) const {
@@ -163,7 +164,7 @@ NSArray* NSArray::imp_array(Class cls) {
 
 NSArray* NSArray::imp_arrayWithObject(Class cls, id object) {
     if (object == nullptr) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "*** +[NSArray arrayWithObject:]: attempt to insert nil object");
     }
     return objc::autorelease(newArray(cls, {object}));
@@ -190,7 +191,7 @@ NSArray* NSArray::imp_initWithArray(NSArray* other) {
 NSArray* NSArray::imp_initWithObjectsCount(const id* objects, NSUInteger count) {
     try {
         if (objects == nullptr && count > 0) {
-            objc::raise(objc::kInvalidArgumentException,
+            objc::raise(objc::exception_name::InvalidArgument,
                         "*** -[NSArray initWithObjects:count:]: pointer to objects is NULL");
         }
         assignObjects(std::vector<id>(objects, objects + count));
@@ -249,7 +250,7 @@ bool NSArray::imp_isEqualToArray(NSArray* other) {
 
 NSArray* NSArray::imp_arrayByAddingObject(id object) const {
     if (object == nullptr) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     methodName(this, "arrayByAddingObject:") + ": object cannot be nil");
     }
     std::vector<id> raw = rawObjects();
@@ -270,10 +271,10 @@ NSArray* NSArray::imp_subarrayWithRange(NSRange range) const {
     if (range.location > n || range.length > n - range.location) {
         const std::string bounds =
             n == 0 ? std::string("for empty array") : "[0 .. " + std::to_string(n - 1) + "]";
-        objc::raise(objc::kRangeException, methodName(this, "subarrayWithRange:") + ": range {" +
-                                               std::to_string(range.location) + ", " +
-                                               std::to_string(range.length) +
-                                               "} extends beyond bounds " + bounds);
+        objc::raise(objc::exception_name::Range, methodName(this, "subarrayWithRange:") +
+                                                     ": range {" + std::to_string(range.location) +
+                                                     ", " + std::to_string(range.length) +
+                                                     "} extends beyond bounds " + bounds);
     }
     const auto first = objects_.begin() + static_cast<std::ptrdiff_t>(range.location);
     std::vector<id> raw;
@@ -312,7 +313,7 @@ NSArray* NSArray::imp_sortedArrayUsingComparator(objc::BlockBase* comparator) co
 void NSArray::imp_enumerateObjectsUsingBlock(Enumerator* block) const {
     auto* body = objc::blockCast<void(id, NSUInteger, bool*)>(block);
     if (body == nullptr) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     methodName(this, "enumerateObjectsUsingBlock:") + ": block cannot be nil");
     }
     const objc::Strong<objc_object> keepAlive = objc::retained(const_cast<NSArray*>(this));

@@ -154,17 +154,15 @@ std::string textOf(NSString* s) {
 
 void loadInfo(BundleState& state) {
     const std::string file = state.path + "/Info.plist";
-    int error = 0;
-    const auto bytes = foundation::detail::readFile(file, &error);
+    const auto bytes = foundation::detail::readFile(file);
     if (bytes) {
-        std::string problem;
         const auto root = foundation::detail::decodePropertyList(
-            *bytes, foundation::detail::PlistMutability::Immutable, nullptr, &problem);
-        if (auto* dictionary = objc::cast<NSDictionary>(root.get())) {
+            *bytes, foundation::detail::PlistMutability::Immutable);
+        if (auto* dictionary = objc::cast<NSDictionary>(root ? root->get() : nullptr)) {
             state.info = objc::retained(dictionary);
         } else {
             NSLog(NSSTR("NSBundle: ignoring %s: %s"), file.c_str(),
-                  root ? "its top level is not a dictionary" : problem.c_str());
+                  root ? "its top level is not a dictionary" : root.error().message.c_str());
         }
     }
     if (!state.info) state.info = NSDictionary::create({});

@@ -140,7 +140,7 @@ NSData* NSData::imp_dataWithContentsOfURL(Class cls, NSURL* url) {
 NSData* NSData::imp_initWithBytesLength(const void* bytes, NSUInteger length) {
     if (bytes == nullptr && length > 0) {
         objc_release(this);  // a failed init frees the object
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "*** -[NSData initWithBytes:length:]: bytes is NULL with length " +
                         std::to_string(length));
     }
@@ -201,10 +201,10 @@ NSUInteger NSData::imp_hash() const {
 NSData* NSData::imp_subdataWithRange(NSRange range) const {
     const std::size_t n = bytes_.size();
     if (range.location > n || range.length > n - range.location) {
-        objc::raise(objc::kRangeException, "*** -[NSData subdataWithRange:]: range {" +
-                                               std::to_string(range.location) + ", " +
-                                               std::to_string(range.length) +
-                                               "} exceeds data length " + std::to_string(n));
+        objc::raise(objc::exception_name::Range, "*** -[NSData subdataWithRange:]: range {" +
+                                                     std::to_string(range.location) + ", " +
+                                                     std::to_string(range.length) +
+                                                     "} exceeds data length " + std::to_string(n));
     }
     return objc::autorelease(
         newData(NSData::objcClass(), bytes_.data() + range.location, range.length));
@@ -213,7 +213,7 @@ NSData* NSData::imp_subdataWithRange(NSRange range) const {
 bool NSData::imp_writeToFileAtomically(NSString* path, bool atomically) const {
     if (path == nullptr || path->utf8().empty()) return false;
     if (atomically) {
-        return foundation::detail::writeFileAtomically(path->utf8(), view());
+        return foundation::detail::writeFileAtomically(path->utf8(), view()).ok();
     }
     return writeInPlace(path->utf8(), bytes_);
 }

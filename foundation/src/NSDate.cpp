@@ -45,7 +45,7 @@ CivilDate civilFromDays(long long days) {
 
 NSDate* requireDate(NSDate* other, const char* method) {
     if (other == nullptr) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     std::string("*** -[NSDate ") + method + "]: nil argument");
     }
     return other;

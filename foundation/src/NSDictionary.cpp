@@ -72,7 +72,7 @@ NSDictionary* NSDictionary::newDictionary(Class cls, const std::vector<std::pair
     auto* dictionary = objc::cast<NSDictionary>(obj);
     if (dictionary == nullptr) {
         objc_release(obj);
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     std::string("not a dictionary class: ") + class_getName(cls));
     }
     try {
@@ -155,7 +155,7 @@ void NSDictionary::put(id key, id value) {
     objc::Strong<objc_object> copy = objc::adopt(msgSend<id>(key, sel<"copy">()));
     if (!copy) {
         objc::raise(
-            objc::kInvalidArgumentException,
+            objc::exception_name::InvalidArgument,
             std::string("*** the copy of a key of class ") + object_getClassName(key) + " is nil");
     }
     const NSUInteger copyHash = copy.get() == key ? hash : hashOf(copy.get());
@@ -205,7 +205,7 @@ std::vector<NSDictionary::Entry> NSDictionary::takeAll() {
 void NSDictionary::assignPairs(const std::vector<std::pair<id, id>>& pairs) {
     for (std::size_t i = 0; i < pairs.size(); ++i) {
         if (pairs[i].first == nullptr || pairs[i].second == nullptr) {
-            objc::raise(objc::kInvalidArgumentException,
+            objc::raise(objc::exception_name::InvalidArgument,
                         std::string("*** -[NSDictionary initWithObjects:forKeys:count:]: "
                                     "attempt to insert nil ") +
                             (pairs[i].second == nullptr ? "object" : "key") + " from objects[" +
@@ -232,7 +232,7 @@ void NSDictionary::checkMutations(std::uint64_t mutations) const {
     if (mutations != mutations_) {
         char buffer[32];
         std::snprintf(buffer, sizeof buffer, "%p", static_cast<const void*>(this));
-        objc::raise(foundation::kGenericException,
+        objc::raise(objc::exception_name::Generic,
                     std::string("*** Collection <") +
                         object_getClassName(const_cast<NSDictionary*>(this)) + ": " + buffer +
                         "> was mutated while being enumerated.");
@@ -286,7 +286,7 @@ NSDictionary* NSDictionary::imp_initWithObjectsForKeys(NSArray* objects, NSArray
         const std::size_t objectCount = objects != nullptr ? objects->size() : 0;
         const std::size_t keyCount = keys != nullptr ? keys->size() : 0;
         if (objectCount != keyCount) {
-            objc::raise(objc::kInvalidArgumentException,
+            objc::raise(objc::exception_name::InvalidArgument,
                         "*** -[NSDictionary initWithObjects:forKeys:]: count of objects (" +
                             std::to_string(objectCount) + ") differs from count of keys (" +
                             std::to_string(keyCount) + ")");
@@ -345,7 +345,7 @@ NSArray* NSDictionary::imp_keysSortedByValueUsingSelector(SEL comparator) const 
 void NSDictionary::imp_enumerateKeysAndObjectsUsingBlock(Enumerator* block) const {
     auto* body = objc::blockCast<void(id, id, bool*)>(block);
     if (body == nullptr) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "*** -[NSDictionary enumerateKeysAndObjectsUsingBlock:]: block cannot be nil");
     }
     const objc::Strong<objc_object> keepAlive = objc::retained(const_cast<NSDictionary*>(this));

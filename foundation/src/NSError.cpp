@@ -48,7 +48,7 @@ NSError* NSError::imp_errorWithDomain(Class cls, NSString* domain, NSInteger cod
 NSError* NSError::imp_initWithDomain(NSString* domain, NSInteger code, NSDictionary* userInfo) {
     if (domain == nullptr) {
         objc_release(this);
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "-[NSError initWithDomain:code:userInfo:]: nil domain");
     }
     domain_ = objc::adopt(static_cast<NSString*>(domain->copy()));

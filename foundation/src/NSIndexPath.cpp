@@ -72,7 +72,7 @@ NSIndexPath* NSIndexPath::imp_initWithIndex(NSUInteger index) {
 NSIndexPath* NSIndexPath::imp_initWithIndexesLength(const NSUInteger* indexes, NSUInteger length) {
     if (indexes == nullptr && length > 0) {
         objc_release(this);  // a failed init frees the object
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "*** -[NSIndexPath initWithIndexes:length:]: indexes is NULL");
     }
     indexes_.assign(indexes, indexes + length);
@@ -96,7 +96,8 @@ NSIndexPath* NSIndexPath::imp_indexPathByAddingIndex(NSUInteger index) const {
 
 NSComparisonResult NSIndexPath::imp_compare(NSIndexPath* other) const {
     if (other == nullptr) {
-        objc::raise(objc::kInvalidArgumentException, "*** -[NSIndexPath compare:]: nil argument");
+        objc::raise(objc::exception_name::InvalidArgument,
+                    "*** -[NSIndexPath compare:]: nil argument");
     }
     const auto order = std::lexicographical_compare_three_way(
         indexes_.begin(), indexes_.end(), other->indexes_.begin(), other->indexes_.end());

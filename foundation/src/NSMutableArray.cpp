@@ -14,7 +14,7 @@ using objc::sel;
 using Objects = std::vector<objc::Strong<objc_object>>;
 
 [[noreturn]] void raiseNil(const char* method) {
-    objc::raise(objc::kInvalidArgumentException,
+    objc::raise(objc::exception_name::InvalidArgument,
                 std::string("*** -[NSMutableArray ") + method + "]: object cannot be nil");
 }
 

@@ -62,7 +62,7 @@ NSMutableData* NSMutableData::imp_initWithLength(NSUInteger length) {
 void NSMutableData::imp_appendBytesLength(const void* bytes, NSUInteger length) {
     if (length == 0) return;
     if (bytes == nullptr) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "*** -[NSMutableData appendBytes:length:]: bytes is NULL with length " +
                         std::to_string(length));
     }
@@ -80,7 +80,7 @@ void NSMutableData::imp_appendData(NSData* other) {
 
 void NSMutableData::imp_setLength(NSUInteger length) {
     if (length > bytes_.max_size()) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "*** -[NSMutableData setLength:]: absurd length " + std::to_string(length));
     }
     bytes_.resize(length, 0);

@@ -61,11 +61,11 @@ NSMutableDictionary* NSMutableDictionary::imp_initWithCapacity(NSUInteger capaci
 
 void NSMutableDictionary::imp_setObjectForKey(id object, id key) {
     if (key == nullptr) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "*** -[NSMutableDictionary setObject:forKey:]: key cannot be nil");
     }
     if (object == nullptr) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "*** -[NSMutableDictionary setObject:forKey:]: object cannot be nil (key: " +
                         describeKey(key) + ")");
     }
@@ -74,7 +74,7 @@ void NSMutableDictionary::imp_setObjectForKey(id object, id key) {
 
 void NSMutableDictionary::imp_setObjectForKeyedSubscript(id object, id key) {
     if (key == nullptr) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "*** -[NSMutableDictionary setObject:forKeyedSubscript:]: key cannot be nil");
     }
     if (object == nullptr) {
@@ -86,7 +86,7 @@ void NSMutableDictionary::imp_setObjectForKeyedSubscript(id object, id key) {
 
 void NSMutableDictionary::imp_removeObjectForKey(id key) {
     if (key == nullptr) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "*** -[NSMutableDictionary removeObjectForKey:]: key cannot be nil");
     }
     // Released here, after the table is consistent: a dealloc may look at it.

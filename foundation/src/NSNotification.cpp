@@ -44,7 +44,7 @@ NSNotification* NSNotification::imp_initWithNameObjectUserInfo(NSString* name, i
                                                                NSDictionary* userInfo) {
     if (name == nullptr) {
         objc_release(this);  // a failed init gives back the allocation
-        objc::raise(objc::kInvalidArgumentException, "a notification needs a name");
+        objc::raise(objc::exception_name::InvalidArgument, "a notification needs a name");
     }
     name_ = objc::adopt(static_cast<NSString*>(objc::msgSend<id>(name, objc::sel<"copy">())));
     object_ = objc::retained(object);

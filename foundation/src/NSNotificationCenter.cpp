@@ -114,7 +114,7 @@ class ObserverSentinel : public NSObject {
 };
 
 void requireArgument(bool ok, const char* message) {
-    if (!ok) objc::raise(objc::kInvalidArgumentException, message);
+    if (!ok) objc::raise(objc::exception_name::InvalidArgument, message);
 }
 
 objc::Strong<NSString> copiedName(NSString* name) {

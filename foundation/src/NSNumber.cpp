@@ -162,7 +162,8 @@ struct NSNumberMethods {
 
     static NSComparisonResult compare(NSNumber* self, SEL, NSNumber* other) {
         if (other == nullptr) {
-            objc::raise(objc::kInvalidArgumentException, "-[NSNumber compare:]: nil argument");
+            objc::raise(objc::exception_name::InvalidArgument,
+                        "-[NSNumber compare:]: nil argument");
         }
         return self->compareTo(*other);
     }

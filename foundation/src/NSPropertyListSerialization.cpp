@@ -34,12 +34,11 @@ NSData* NSPropertyListSerialization::imp_dataWithPropertyList(Class, id plist,
                                  " cannot be written; use XML (100) or binary (200).");
         return nullptr;
     }
-    std::string problem;
     const auto bytes =
-        foundation::detail::encodePropertyList(plist, static_cast<PlistFormat>(format), &problem);
+        foundation::detail::encodePropertyList(plist, static_cast<PlistFormat>(format));
     if (!bytes) {
         foundation::setError(error, NSCocoaErrorDomain, NSPropertyListWriteInvalidError,
-                             "Property list invalid for format: " + problem);
+                             "Property list invalid for format: " + bytes.error().message);
         return nullptr;
     }
     return objc::autorelease(NSData::create(std::string_view(*bytes)).leak());
@@ -57,17 +56,16 @@ id NSPropertyListSerialization::imp_propertyListWithData(Class, NSData* data,
     const auto mutability = static_cast<PlistMutability>(
         std::min<NSPropertyListReadOptions>(options, NSPropertyListMutableContainersAndLeaves));
     PlistFormat read = PlistFormat::XML;
-    std::string problem;
-    auto object = foundation::detail::decodePropertyList(data->view(), mutability, &read, &problem);
+    auto object = foundation::detail::decodePropertyList(data->view(), mutability, &read);
     if (!object) {
         foundation::setError(error, NSCocoaErrorDomain, NSPropertyListReadCorruptError,
                              "The data couldn\u2019t be read because it isn\u2019t in the correct "
                              "format: " +
-                                 problem + ".");
+                                 object.error().message + ".");
         return nullptr;
     }
     if (format != nullptr) *format = static_cast<NSPropertyListFormat>(read);
-    return objc_autorelease(object.leak());
+    return objc_autorelease(object->leak());
 }
 
 bool NSPropertyListSerialization::imp_propertyListIsValidForFormat(Class, id plist,

@@ -43,7 +43,7 @@ Dispatcher::RunEnd runMain(RunMode mode, Clock::time_point deadline) {
         Depth& operator=(const Depth&) = delete;
     };
     if (!foundation::isMainThread()) {
-        objc::raise(objc::kInternalInconsistencyException,
+        objc::raise(objc::exception_name::InternalInconsistency,
                     "the main run loop runs on the main thread only");
     }
     const Depth depth;

@@ -116,7 +116,7 @@ bool hasLoneSurrogate(std::u16string_view s) {
 NSString* stringByAddingPercentEncoding(NSString* self, SEL, NSCharacterSet* allowed) {
     if (allowed == nullptr) {
         objc::raise(
-            objc::kInvalidArgumentException,
+            objc::exception_name::InvalidArgument,
             "-[NSString stringByAddingPercentEncodingWithAllowedCharacters:]: nil argument");
     }
     if (hasLoneSurrogate(self->units())) return nullptr;
@@ -227,7 +227,7 @@ NSString* initWithBytes(NSString* self, SEL, const void* bytes, NSUInteger lengt
 NSString* initWithData(NSString* self, SEL, NSData* data, NSStringEncoding encoding) {
     if (data == nullptr) {
         objc_release(self);
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "-[NSString initWithData:encoding:]: nil data");
     }
     return objc::msgSend<NSString*>(self, objc::sel<"initWithBytes:length:encoding:">(),

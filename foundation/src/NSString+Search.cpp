@@ -78,7 +78,7 @@ NSRange rangeOfString(NSString* self, SEL, NSString* s) {
 
 NSRange rangeOfCharacterFromSet(NSString* self, SEL, NSCharacterSet* set) {
     if (set == nullptr) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "-[NSString rangeOfCharacterFromSet:]: nil argument");
     }
     const std::u16string& u = self->units();
@@ -161,7 +161,7 @@ NSArray* componentsSeparatedByString(NSString* self, SEL, NSString* separator) {
 
 NSArray* componentsSeparatedByCharactersInSet(NSString* self, SEL, NSCharacterSet* set) {
     if (set == nullptr) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "-[NSString componentsSeparatedByCharactersInSet:]: nil argument");
     }
     const std::u16string& u = self->units();

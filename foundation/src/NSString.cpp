@@ -29,13 +29,13 @@ void assignUnits(NSString* s, std::u16string units) {
 
 const std::u16string& unitsOf(NSString* s, const char* method) {
     if (s == nullptr)
-        objc::raise(objc::kInvalidArgumentException, std::string(method) + ": nil argument");
+        objc::raise(objc::exception_name::InvalidArgument, std::string(method) + ": nil argument");
     return s->units();
 }
 
 void checkRange(NSRange range, std::size_t length, const char* method) {
     if (range.location > length || range.length > length - range.location) {
-        objc::raise(objc::kRangeException,
+        objc::raise(objc::exception_name::Range,
                     std::string(method) + ": range {" + std::to_string(range.location) + ", " +
                         std::to_string(range.length) + "} out of bounds; string length " +
                         std::to_string(length));
@@ -98,7 +98,8 @@ NSString* stringWithCharacters(Class cls, SEL, const unichar* chars, NSUInteger 
 NSString* initWithString(NSString* self, SEL, NSString* other) {
     if (other == nullptr) {
         objc_release(self);
-        objc::raise(objc::kInvalidArgumentException, "-[NSString initWithString:]: nil argument");
+        objc::raise(objc::exception_name::InvalidArgument,
+                    "-[NSString initWithString:]: nil argument");
     }
     assignUnits(self, other->units());
     return self;
@@ -107,7 +108,7 @@ NSString* initWithString(NSString* self, SEL, NSString* other) {
 NSString* initWithCharacters(NSString* self, SEL, const unichar* chars, NSUInteger length) {
     if (chars == nullptr && length > 0) {
         objc_release(self);
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "-[NSString initWithCharacters:length:]: null characters");
     }
     assignUnits(self, length > 0 ? std::u16string(chars, length) : std::u16string());
@@ -117,7 +118,7 @@ NSString* initWithCharacters(NSString* self, SEL, const unichar* chars, NSUInteg
 NSString* substringFromIndex(NSString* self, SEL, NSUInteger from) {
     const std::u16string& u = self->units();
     if (from > u.size()) {
-        objc::raise(objc::kRangeException,
+        objc::raise(objc::exception_name::Range,
                     "-[NSString substringFromIndex:]: index " + std::to_string(from) +
                         " out of bounds; string length " + std::to_string(u.size()));
     }
@@ -127,7 +128,7 @@ NSString* substringFromIndex(NSString* self, SEL, NSUInteger from) {
 NSString* substringToIndex(NSString* self, SEL, NSUInteger to) {
     const std::u16string& u = self->units();
     if (to > u.size()) {
-        objc::raise(objc::kRangeException,
+        objc::raise(objc::exception_name::Range,
                     "-[NSString substringToIndex:]: index " + std::to_string(to) +
                         " out of bounds; string length " + std::to_string(u.size()));
     }
@@ -142,7 +143,7 @@ NSString* substringWithRange(NSString* self, SEL, NSRange range) {
 
 NSString* stringByTrimmingCharactersInSet(NSString* self, SEL, NSCharacterSet* set) {
     if (set == nullptr) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "-[NSString stringByTrimmingCharactersInSet:]: nil argument");
     }
     const std::u16string& u = self->units();

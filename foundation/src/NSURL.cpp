@@ -188,7 +188,7 @@ struct NSURLMethods {
     static NSURL* initWithString(NSURL* self, SEL, NSString* s) {
         if (s == nullptr) {
             objc_release(self);
-            objc::raise(objc::kInvalidArgumentException,
+            objc::raise(objc::exception_name::InvalidArgument,
                         "-[NSURL initWithString:]: nil string parameter");
         }
         if (!self->parse(s->utf8())) {
@@ -202,7 +202,7 @@ struct NSURLMethods {
     static std::string absolute(NSURL* self, NSString* path) {
         if (path == nullptr) {
             objc_release(self);
-            objc::raise(objc::kInvalidArgumentException,
+            objc::raise(objc::exception_name::InvalidArgument,
                         "-[NSURL initFileURLWithPath:]: nil string parameter");
         }
         std::string p = path->utf8();
@@ -294,7 +294,7 @@ struct NSURLMethods {
 
     static NSURL* appendComponent(NSURL* self, NSString* component, int isDirectory) {
         if (component == nullptr) {
-            objc::raise(objc::kInvalidArgumentException,
+            objc::raise(objc::exception_name::InvalidArgument,
                         "-[NSURL URLByAppendingPathComponent:]: nil component");
         }
         std::string path = self->path_;
@@ -330,7 +330,7 @@ struct NSURLMethods {
 
     static NSURL* URLByAppendingPathExtension(NSURL* self, SEL, NSString* extension) {
         if (extension == nullptr) {
-            objc::raise(objc::kInvalidArgumentException,
+            objc::raise(objc::exception_name::InvalidArgument,
                         "-[NSURL URLByAppendingPathExtension:]: nil extension");
         }
         std::string path = self->path_;

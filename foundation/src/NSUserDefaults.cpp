@@ -79,11 +79,11 @@ std::string standardFilePath() {
 // The key as given, checked: nil and non-string keys are refused.
 NSString* checkedKey(NSString* key, const char* method) {
     if (key == nullptr) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     std::string("-[NSUserDefaults ") + method + "]: nil key");
     }
     if (!objc::isKindOf(key, NSString::objcClass())) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     std::string("-[NSUserDefaults ") + method + "]: key of class " +
                         object_getClassName(key) + " is not a string");
     }
@@ -180,14 +180,13 @@ void NSUserDefaults::imp_setObjectForKey(id value, NSString* key) {
         store_->set(storedKey(key), nullptr);
         return;
     }
-    std::string problem;
-    auto copy = foundation::detail::copyPropertyList(value, &problem);
+    auto copy = foundation::detail::copyPropertyList(value);
     if (!copy) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "-[NSUserDefaults setObject:forKey:]: attempt to insert non-property list " +
-                        problem + " for key \"" + key->utf8() + "\"");
+                        copy.error().message + " for key \"" + key->utf8() + "\"");
     }
-    store_->set(storedKey(key), std::move(copy));
+    store_->set(storedKey(key), std::move(*copy));
 }
 
 void NSUserDefaults::imp_removeObjectForKey(NSString* key) {
@@ -220,12 +219,12 @@ bool NSUserDefaults::imp_synchronize() {
 
 void NSUserDefaults::imp_registerDefaults(NSDictionary* defaults) {
     if (defaults == nullptr) return;
-    std::string problem;
-    const auto copy = foundation::detail::copyPropertyList(defaults, &problem);
-    auto* dictionary = objc::cast<NSDictionary>(copy.get());
+    const auto copy = foundation::detail::copyPropertyList(defaults);
+    auto* dictionary = objc::cast<NSDictionary>(copy ? copy->get() : nullptr);
     if (dictionary == nullptr) {
-        objc::raise(objc::kInvalidArgumentException,
-                    "-[NSUserDefaults registerDefaults:]: not a property list: " + problem);
+        objc::raise(objc::exception_name::InvalidArgument,
+                    "-[NSUserDefaults registerDefaults:]: not a property list: " +
+                        (copy ? std::string() : copy.error().message));
     }
     Entries entries;
     entries.reserve(dictionary->size());
@@ -310,11 +309,11 @@ void NSUserDefaults::imp_addObserver(id observer, NSString* keyPath,
 
 namespace {
 [[noreturn]] void notRegistered(id observer, NSString* keyPath, id defaults) {
-    objc::raise(objc::kRangeException, std::string("Cannot remove an observer <") +
-                                           object_getClassName(observer) + "> for the key path \"" +
-                                           keyPath->utf8() + "\" from <" +
-                                           object_getClassName(defaults) +
-                                           "> because it is not registered as an observer.");
+    objc::raise(objc::exception_name::Range, std::string("Cannot remove an observer <") +
+                                                 object_getClassName(observer) +
+                                                 "> for the key path \"" + keyPath->utf8() +
+                                                 "\" from <" + object_getClassName(defaults) +
+                                                 "> because it is not registered as an observer.");
 }
 }  // namespace
 

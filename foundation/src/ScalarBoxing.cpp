@@ -56,7 +56,7 @@ id box(const void* value, const char* type) {
         case 'D':
             return NSNumber::numberWithDouble(static_cast<double>(read<long double>(value)));
         default:
-            objc::raise(objc::kInvalidArgumentException,
+            objc::raise(objc::exception_name::InvalidArgument,
                         std::string("values of type ") + type + " cannot be boxed as numbers");
     }
 }

@@ -63,9 +63,9 @@ class Formatter {
     const FormatArg& take(std::optional<std::size_t> position) {
         const std::size_t index = position ? *position : next_++;
         if (index >= args_.size()) {
-            raise(kInvalidArgumentException, "format \"" + std::string(format_) +
-                                                 "\" needs more than " +
-                                                 std::to_string(args_.size()) + " argument(s)");
+            raise(exception_name::InvalidArgument,
+                  "format \"" + std::string(format_) + "\" needs more than " +
+                      std::to_string(args_.size()) + " argument(s)");
         }
         return args_[index];
     }

@@ -64,13 +64,13 @@ struct EasyDeleter {
 
 }  // namespace
 
-std::optional<Bytes> foundation::downloadURL(const std::string& url, const DownloadLimits& limits) {
-    if (!isWebURL(url)) return std::nullopt;
+objc::Result<Bytes> foundation::downloadURL(const std::string& url, const DownloadLimits& limits) {
+    if (!isWebURL(url)) return objc::Error{0, "not an http or https URL: " + url};
     initialiseCurl();
     // Declared first, so that it runs after the handle's own clean-up.
     const ThreadStateRelease threadState;
     const std::unique_ptr<CURL, EasyDeleter> handle(curl_easy_init());
-    if (!handle) return std::nullopt;
+    if (!handle) return objc::Error{0, "cannot start a transfer"};
     CURL* const curl = handle.get();
     Sink sink;
     sink.limit = limits.maxBytes;
@@ -95,11 +95,20 @@ std::optional<Bytes> foundation::downloadURL(const std::string& url, const Downl
         curl_easy_setopt(curl, CURLOPT_WRITEDATA, &sink) == CURLE_OK &&
         curl_easy_setopt(curl, CURLOPT_ACCEPT_ENCODING, "") == CURLE_OK &&
         curl_easy_setopt(curl, CURLOPT_USERAGENT, "Parcelvane-Foundation/1.0") == CURLE_OK;
-    if (!configured) return std::nullopt;
-    if (curl_easy_perform(curl) != CURLE_OK || sink.overflowed) return std::nullopt;
+    if (!configured) return objc::Error{0, "cannot configure the transfer"};
+    const CURLcode done = curl_easy_perform(curl);
+    if (sink.overflowed || done == CURLE_FILESIZE_EXCEEDED) {
+        return objc::Error{0,
+                           "the body is larger than " + std::to_string(limits.maxBytes) + " bytes"};
+    }
+    if (done != CURLE_OK) return objc::Error{0, curl_easy_strerror(done)};
     long status = 0;
-    if (curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &status) != CURLE_OK) return std::nullopt;
-    if (status < 200 || status > 299) return std::nullopt;
+    if (curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &status) != CURLE_OK) {
+        return objc::Error{0, "no response status"};
+    }
+    if (status < 200 || status > 299) {
+        return objc::Error{0, "the server answered with status " + std::to_string(status)};
+    }
     return std::move(sink.bytes);
 }
 
@@ -114,6 +123,8 @@ foundation::URLLoader foundation::httpURLLoader(DownloadLimits limits) {
             if (absolute == nullptr) return std::nullopt;
             text = absolute->utf8();
         }
-        return downloadURL(text, limits);
+        auto body = downloadURL(text, limits);
+        if (!body) return std::nullopt;  // nil data, as the platform answers
+        return std::move(*body);
     };
 }

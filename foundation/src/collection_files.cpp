@@ -21,18 +21,18 @@ objc::Strong<objc_object> readCollection(NSString* path, Class expected, bool mu
     const auto bytes = foundation::detail::readFile(path->utf8());
     if (!bytes) return nullptr;
     auto object = foundation::detail::decodePropertyList(
-        *bytes, mutableContainers ? PlistMutability::MutableContainers : PlistMutability::Immutable,
-        nullptr, nullptr);
-    if (!object || !objc::isKindOf(object.get(), expected)) return nullptr;
-    return object;
+        *bytes,
+        mutableContainers ? PlistMutability::MutableContainers : PlistMutability::Immutable);
+    if (!object || !objc::isKindOf(object->get(), expected)) return nullptr;
+    return std::move(*object);
 }
 
 bool writeCollection(id self, NSString* path, bool atomically) {
     if (path == nullptr) return false;
-    const auto bytes = foundation::detail::encodePropertyList(self, PlistFormat::XML, nullptr);
+    const auto bytes = foundation::detail::encodePropertyList(self, PlistFormat::XML);
     if (!bytes) return false;
     // Both ways replace the file in one step; atomically adds the flushes to disk.
-    return foundation::detail::writeFileAtomically(path->utf8(), *bytes, atomically);
+    return foundation::detail::writeFileAtomically(path->utf8(), *bytes, atomically).ok();
 }
 
 // The receiver is a fresh allocation: it is released and the loaded

@@ -6,7 +6,7 @@ namespace foundation::detail {
 
 std::function<NSInteger(id, id)> selectorComparison(SEL selector) {
     if (selector == nullptr) {
-        objc::raise(objc::kInvalidArgumentException, "the comparison selector is NULL");
+        objc::raise(objc::exception_name::InvalidArgument, "the comparison selector is NULL");
     }
     return [selector](id a, id b) {
         return static_cast<NSInteger>(objc::msgSend<NSComparisonResult>(a, selector, b));
@@ -15,7 +15,7 @@ std::function<NSInteger(id, id)> selectorComparison(SEL selector) {
 
 std::function<NSInteger(id, id)> blockComparison(objc::BlockBase* block) {
     if (block == nullptr) {
-        objc::raise(objc::kInvalidArgumentException, "the comparator block is nil");
+        objc::raise(objc::exception_name::InvalidArgument, "the comparator block is nil");
     }
     if (auto* plain = dynamic_cast<objc::Block<NSInteger(id, id)>*>(block)) {
         return [plain](id a, id b) { return (*plain)(a, b); };

@@ -102,13 +102,14 @@ DefaultsFile::~DefaultsFile() {
 }
 
 void DefaultsFile::load() {
-    int error = 0;
-    const auto bytes = readFile(path_, &error);
+    const auto bytes = readFile(path_);
     std::string problem;
     if (bytes) {
         objc::AutoreleasePool pool;
-        const auto root = decodePropertyList(*bytes, PlistMutability::Immutable, nullptr, &problem);
-        if (auto* dictionary = objc::cast<NSDictionary>(root.get())) {
+        const auto decoded = decodePropertyList(*bytes, PlistMutability::Immutable);
+        const id root = decoded ? decoded->get() : nullptr;
+        if (!decoded) problem = decoded.error().message;
+        if (auto* dictionary = objc::cast<NSDictionary>(root)) {
             Entries entries;
             entries.reserve(dictionary->size());
             dictionary->forEach([&](id key, id value) {
@@ -121,13 +122,13 @@ void DefaultsFile::load() {
         }
         if (root) {
             problem = std::string("its top level is an object of class ") +
-                      object_getClassName(root.get()) + ", not a dictionary";
+                      object_getClassName(root) + ", not a dictionary";
         }
-    } else if (error == ENOENT || error == ENOTDIR) {
+    } else if (bytes.error().code == ENOENT || bytes.error().code == ENOTDIR) {
         written_ = store_.snapshot().second;
         return;  // nothing stored yet
     } else {
-        problem = std::strerror(error);
+        problem = bytes.error().message;
     }
     // Keep the unreadable file for whoever wants to rescue it, and never
     // write over it.
@@ -139,7 +140,7 @@ void DefaultsFile::load() {
     } else {
         NSLog(NSSTR("NSUserDefaults: could not read %s (%s) nor move it aside (%s); the defaults "
                     "start empty and will not be saved, so that the file is not overwritten"),
-              path_.c_str(), problem.c_str(), std::strerror(errno));
+              path_.c_str(), problem.c_str(), aside.error().message.c_str());
         notSaving_ = "the file that is there could not be read nor moved aside";
     }
 }
@@ -218,7 +219,9 @@ bool DefaultsFile::flush(bool takeOthers) {
         const DefaultsStore::SaveState state = store_.saveState();
         if (state.generation == written_) return true;
         objc::AutoreleasePool pool;
-        if (const auto onDisk = merge(state, &problem)) {
+        if (const auto onDisk = merge(state); !onDisk) {
+            problem = onDisk.error().message;
+        } else {
             failing_ = false;
             written_ = state.generation;
             {
@@ -242,27 +245,22 @@ bool DefaultsFile::flush(bool takeOthers) {
     return false;
 }
 
-std::optional<Entries> DefaultsFile::merge(const DefaultsStore::SaveState& state,
-                                           std::string* problem) {
+objc::Result<Entries> DefaultsFile::merge(const DefaultsStore::SaveState& state) {
     const std::string folder = parentFolder(path_);
-    if (!createDirectories(folder)) {
-        *problem = "cannot make the folder " + folder + ": " + std::strerror(errno);
-        return std::nullopt;
+    if (const auto made = createDirectories(folder); !made) {
+        return objc::Error{made.error().code,
+                           "cannot make the folder " + folder + ": " + made.error().message};
     }
     const FileLock lock(path_ + ".lock");
     if (!lock.locked()) {
-        *problem = "cannot lock " + path_ + ".lock: " + std::strerror(errno);
-        return std::nullopt;
+        return objc::Error{errno, "cannot lock " + path_ + ".lock: " + std::strerror(errno)};
     }
     // What is on disk now: other processes may have written since we read it.
     KeyTable<StoredValue> merged;
     Entries base;
-    int error = 0;
-    if (const auto bytes = readFile(path_, &error)) {
-        std::string unreadable;
-        const auto root =
-            decodePropertyList(*bytes, PlistMutability::Immutable, nullptr, &unreadable);
-        if (auto* dictionary = objc::cast<NSDictionary>(root.get())) {
+    if (const auto bytes = readFile(path_)) {
+        const auto root = decodePropertyList(*bytes, PlistMutability::Immutable);
+        if (auto* dictionary = objc::cast<NSDictionary>(root ? root->get() : nullptr)) {
             base.reserve(dictionary->size());
             dictionary->forEach([&](id key, id value) {
                 base.emplace_back(objc::retained(static_cast<NSString*>(key)),
@@ -273,19 +271,17 @@ std::optional<Entries> DefaultsFile::merge(const DefaultsStore::SaveState& state
             // this process knows.
             const auto aside = moveAside(path_, ".unreadable-" + timestamp());
             if (!aside) {
-                *problem =
-                    "cannot move the unreadable file aside: " + std::string(std::strerror(errno));
-                return std::nullopt;
+                return objc::Error{aside.error().code, "cannot move the unreadable file aside: " +
+                                                           aside.error().message};
             }
             NSLog(NSSTR("NSUserDefaults: %s could not be read; it was kept as %s"), path_.c_str(),
                   aside->c_str());
             base = state.values;
         }
-    } else if (error == ENOENT) {
+    } else if (bytes.error().code == ENOENT) {
         base = state.values;  // gone (or never written): what this process knows
     } else {
-        *problem = "cannot read it to merge: " + std::string(std::strerror(error));
-        return std::nullopt;
+        return objc::Error{bytes.error().code, "cannot read it to merge: " + bytes.error().message};
     }
     merged.reserve(base.size() + state.changes.size());
     for (auto& [key, value] : base) {
@@ -309,12 +305,9 @@ std::optional<Entries> DefaultsFile::merge(const DefaultsStore::SaveState& state
         pairs.emplace_back(key.get(), value.get());
     });
     const auto dictionary = NSDictionary::create(pairs);
-    const auto bytes = encodePropertyList(dictionary, PlistFormat::Binary, problem);
-    if (!bytes) return std::nullopt;
-    if (!writeFileAtomically(path_, *bytes, true)) {
-        *problem = std::strerror(errno);
-        return std::nullopt;
-    }
+    const auto bytes = encodePropertyList(dictionary, PlistFormat::Binary);
+    if (!bytes) return bytes.error();
+    if (auto written = writeFileAtomically(path_, *bytes, true); !written) return written.error();
     return entries;
 }
 

@@ -20,11 +20,12 @@
 
 #include "defaults_store.h"
 
+#include <objc/result.h>
+
 #include <atomic>
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <thread>
 
@@ -58,9 +59,8 @@ class DefaultsFile {
     // `takeOthers`: adopt what other processes saved (not at exit, when
     // observers may be gone).
     bool flush(bool takeOthers = true);
-    // Merges `state` into the file under its lock; answers the file's new
-    // content, or nothing with the reason in *problem.
-    std::optional<Entries> merge(const DefaultsStore::SaveState& state, std::string* problem);
+    // Merges `state` into the file under its lock; answers the file's new content.
+    objc::Result<Entries> merge(const DefaultsStore::SaveState& state);
     void run();
     void startWriterLocked();
 

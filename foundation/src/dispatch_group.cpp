@@ -22,7 +22,7 @@ void Dispatcher::groupLeave(DispatchGroup* group) {
 
 void Dispatcher::leaveGroupLocked(DispatchGroup* group) {
     if (group->count == 0) {
-        objc::raise(objc::kInternalInconsistencyException,
+        objc::raise(objc::exception_name::InternalInconsistency,
                     "dispatch_group_leave without a matching dispatch_group_enter");
     }
     if (--group->count > 0) return;
@@ -57,7 +57,7 @@ namespace {
 
 void requireGroup(dispatch_group_t group, const char* function) {
     if (group == nullptr) {
-        objc::raise(objc::kInvalidArgumentException, std::string(function) + ": nil group");
+        objc::raise(objc::exception_name::InvalidArgument, std::string(function) + ": nil group");
     }
 }
 
@@ -87,7 +87,8 @@ void dispatch_group_leave(dispatch_group_t group) {
 void dispatch_group_async(dispatch_group_t group, dispatch_queue_t queue, dispatch_block_t block) {
     requireGroup(group, "dispatch_group_async");
     if (queue == nullptr || block == nullptr) {
-        objc::raise(objc::kInvalidArgumentException, "dispatch_group_async: nil queue or block");
+        objc::raise(objc::exception_name::InvalidArgument,
+                    "dispatch_group_async: nil queue or block");
     }
     Dispatcher& dispatcher = Dispatcher::shared();
     dispatcher.groupEnter(group);
@@ -97,7 +98,8 @@ void dispatch_group_async(dispatch_group_t group, dispatch_queue_t queue, dispat
 void dispatch_group_notify(dispatch_group_t group, dispatch_queue_t queue, dispatch_block_t block) {
     requireGroup(group, "dispatch_group_notify");
     if (queue == nullptr || block == nullptr) {
-        objc::raise(objc::kInvalidArgumentException, "dispatch_group_notify: nil queue or block");
+        objc::raise(objc::exception_name::InvalidArgument,
+                    "dispatch_group_notify: nil queue or block");
     }
     Dispatcher::shared().groupNotify(group, queue, objc::retained(block));
 }

@@ -19,7 +19,8 @@ dispatch_once_t runningMark() {
 
 void dispatch_once_f(dispatch_once_t* predicate, void* context, dispatch_function_t function) {
     if (predicate == nullptr || function == nullptr) {
-        objc::raise(objc::kInvalidArgumentException, "dispatch_once: nil predicate or function");
+        objc::raise(objc::exception_name::InvalidArgument,
+                    "dispatch_once: nil predicate or function");
     }
     std::atomic_ref<dispatch_once_t> state(*predicate);
     const dispatch_once_t mine = runningMark();
@@ -27,7 +28,7 @@ void dispatch_once_f(dispatch_once_t* predicate, void* context, dispatch_functio
         dispatch_once_t seen = state.load(std::memory_order_acquire);
         if (seen == kDone) return;
         if (seen == mine) {
-            objc::raise(objc::kInternalInconsistencyException,
+            objc::raise(objc::exception_name::InternalInconsistency,
                         "dispatch_once called again from within its own function");
         }
         if (seen == kUnset) {
@@ -48,7 +49,8 @@ void dispatch_once_f(dispatch_once_t* predicate, void* context, dispatch_functio
 }
 
 void dispatch_once(dispatch_once_t* predicate, dispatch_block_t block) {
-    if (block == nullptr) objc::raise(objc::kInvalidArgumentException, "dispatch_once: nil block");
+    if (block == nullptr)
+        objc::raise(objc::exception_name::InvalidArgument, "dispatch_once: nil block");
     dispatch_once_f(predicate, block,
                     [](void* context) { (*static_cast<objc::Block<void()>*>(context))(); });
 }

@@ -21,10 +21,10 @@ namespace {
 
 void requireQueueAndBlock(dispatch_queue_t queue, dispatch_block_t block, const char* function) {
     if (queue == nullptr) {
-        objc::raise(objc::kInvalidArgumentException, std::string(function) + ": nil queue");
+        objc::raise(objc::exception_name::InvalidArgument, std::string(function) + ": nil queue");
     }
     if (block == nullptr) {
-        objc::raise(objc::kInvalidArgumentException, std::string(function) + ": nil block");
+        objc::raise(objc::exception_name::InvalidArgument, std::string(function) + ": nil block");
     }
 }
 

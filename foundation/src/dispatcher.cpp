@@ -258,7 +258,7 @@ void Dispatcher::sync(DispatchQueue* queue, objc::Block<void()>* block) {
             return;
         case QueueKind::Main: {
             if (isMainThread()) {
-                objc::raise(objc::kInternalInconsistencyException,
+                objc::raise(objc::exception_name::InternalInconsistency,
                             "dispatch_sync to the main queue from the main thread would deadlock");
             }
             SyncTurn turn;
@@ -272,7 +272,7 @@ void Dispatcher::sync(DispatchQueue* queue, objc::Block<void()>* block) {
             break;
     }
     if (std::find(tRunning.begin(), tRunning.end(), queue) != tRunning.end()) {
-        objc::raise(objc::kInternalInconsistencyException,
+        objc::raise(objc::exception_name::InternalInconsistency,
                     "dispatch_sync to queue '" + queue->label +
                         "' from a block it is running would deadlock");
     }

@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <cstring>
 #include <string>
 #include <utility>
 
@@ -46,6 +47,12 @@ bool writeAll(int fd, std::string_view bytes) {
     return true;
 }
 
+// The failure errno describes now.
+objc::Error systemError() {
+    const int code = errno;
+    return objc::Error{code, std::strerror(code)};
+}
+
 std::string baseName(const std::string& path) {
     const auto slash = path.find_last_of('/');
     return slash == std::string::npos ? path : path.substr(slash + 1);
@@ -60,18 +67,14 @@ std::string parentFolder(const std::string& path) {
     return path.substr(0, slash);
 }
 
-std::optional<std::string> readFile(const std::string& path, int* error) {
+objc::Result<std::string> readFile(const std::string& path) {
     const FileDescriptor fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    const auto fail = [&]() -> std::optional<std::string> {
-        if (error != nullptr) *error = errno;
-        return std::nullopt;
-    };
-    if (!fd) return fail();
+    if (!fd) return systemError();
     struct stat info {};
-    if (::fstat(fd.get(), &info) != 0) return fail();
+    if (::fstat(fd.get(), &info) != 0) return systemError();
     if (S_ISDIR(info.st_mode)) {
         errno = EISDIR;
-        return fail();
+        return systemError();
     }
     std::string bytes;
     bytes.reserve(static_cast<std::size_t>(info.st_size));
@@ -80,36 +83,39 @@ std::optional<std::string> readFile(const std::string& path, int* error) {
         const ssize_t n = ::read(fd.get(), buffer, sizeof buffer);
         if (n < 0) {
             if (errno == EINTR) continue;
-            return fail();
+            return systemError();
         }
         if (n == 0) break;
         bytes.append(buffer, static_cast<std::size_t>(n));
     }
-    if (error != nullptr) *error = 0;
     return bytes;
 }
 
-bool createDirectories(const std::string& path) {
+objc::Result<void> createDirectories(const std::string& path) {
     if (path.empty()) {
         errno = ENOENT;
-        return false;
+        return systemError();
     }
     struct stat info {};
-    const auto isFolder = [&] {
-        if (S_ISDIR(info.st_mode)) return true;
+    const auto isFolder = [&]() -> objc::Result<void> {
+        if (S_ISDIR(info.st_mode)) return {};
         errno = ENOTDIR;  // something else is in the way
-        return false;
+        return systemError();
     };
     if (::stat(path.c_str(), &info) == 0) return isFolder();
     const std::string parent = parentFolder(path);
-    if (parent != path && parent != "." && !createDirectories(parent)) return false;
-    if (::mkdir(path.c_str(), 0755) == 0 || errno == EEXIST) {
-        return ::stat(path.c_str(), &info) == 0 && isFolder();
+    if (parent != path && parent != ".") {
+        if (auto made = createDirectories(parent); !made) return made;
     }
-    return false;
+    if (::mkdir(path.c_str(), 0755) == 0 || errno == EEXIST) {
+        if (::stat(path.c_str(), &info) != 0) return systemError();
+        return isFolder();
+    }
+    return systemError();
 }
 
-bool writeFileAtomically(const std::string& path, std::string_view bytes, bool durable) {
+objc::Result<void> writeFileAtomically(const std::string& path, std::string_view bytes,
+                                       bool durable) {
     static std::atomic<unsigned> counter{0};
     const std::string folder = parentFolder(path);
     // A hidden name unique to this process and call: concurrent writers never
@@ -119,25 +125,24 @@ bool writeFileAtomically(const std::string& path, std::string_view bytes, bool d
                                   std::to_string(counter.fetch_add(1));
     FileDescriptor fd(
         ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_TRUNC, 0644));
-    if (!fd) return false;
+    if (!fd) return systemError();
     bool ok = writeAll(fd.get(), bytes) && (!durable || ::fsync(fd.get()) == 0);
     ok = fd.close() && ok;
     if (ok) ok = ::rename(temporary.c_str(), path.c_str()) == 0;
     if (!ok) {
-        const int saved = errno;
+        const objc::Error error = systemError();
         ::unlink(temporary.c_str());
-        errno = saved;
-        return false;
+        return error;
     }
     if (durable) {
         // The rename itself lives in the folder.
         const FileDescriptor dir(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         if (dir) ::fsync(dir.get());
     }
-    return true;
+    return {};
 }
 
-std::optional<std::string> moveAside(const std::string& path, const std::string& suffix) {
+objc::Result<std::string> moveAside(const std::string& path, const std::string& suffix) {
     for (int n = 0; n < 1000; ++n) {
         std::string target = path + suffix;
         if (n > 0) target += "-" + std::to_string(n);
@@ -147,14 +152,15 @@ std::optional<std::string> moveAside(const std::string& path, const std::string&
             return target;
         }
         if (errno == EEXIST) continue;
-        if (errno != EINVAL && errno != ENOSYS) return std::nullopt;
+        if (errno != EINVAL && errno != ENOSYS) return systemError();
         if (::link(path.c_str(), target.c_str()) == 0) {
             ::unlink(path.c_str());
             return target;
         }
-        if (errno != EEXIST) return std::nullopt;
+        if (errno != EEXIST) return systemError();
     }
-    return std::nullopt;
+    errno = EEXIST;
+    return systemError();
 }
 
 FileLock::FileLock(const std::string& lockPath) {

@@ -1,29 +1,32 @@
 // Whole-file reading and durable writing, for property lists and tables.
 #pragma once
 
-#include <optional>
+#include <objc/result.h>
+
 #include <string>
 #include <string_view>
 
 namespace foundation::detail {
 
-// The file's bytes, or nothing with errno's value in *error (ENOENT when the
-// file does not exist).
-std::optional<std::string> readFile(const std::string& path, int* error = nullptr);
+// Failures carry errno's value and its text.
 
-// Creates the folder and its missing parents; true when it exists afterwards,
-// else false with errno set (ENOTDIR when a file is in the way).
-bool createDirectories(const std::string& path);
+// The file's bytes; the error's code is ENOENT when the file does not exist.
+objc::Result<std::string> readFile(const std::string& path);
+
+// Creates the folder and its missing parents, succeeding when it exists
+// afterwards (ENOTDIR when a file is in the way).
+objc::Result<void> createDirectories(const std::string& path);
 
 // Replaces the file in one step: the bytes go to a new file in the same
 // folder, which is flushed to disk and renamed over the old one; the folder is
 // flushed too, so that after a crash either the old or the new file is there,
 // whole. With durable false the flushes are skipped (atomic, not durable).
-bool writeFileAtomically(const std::string& path, std::string_view bytes, bool durable = true);
+objc::Result<void> writeFileAtomically(const std::string& path, std::string_view bytes,
+                                       bool durable = true);
 
 // Renames the file to "<path><suffix>", adding "-1", "-2"... when that name is
 // taken; never replaces an existing file. Answers the new name.
-std::optional<std::string> moveAside(const std::string& path, const std::string& suffix);
+objc::Result<std::string> moveAside(const std::string& path, const std::string& suffix);
 
 // The folder part of a path ("." for a bare name).
 std::string parentFolder(const std::string& path);

@@ -9,7 +9,7 @@ namespace foundation::detail {
 
 Dispatcher::RunEnd Dispatcher::runMain(RunMode mode, Clock::time_point deadline) {
     if (!isMainThread()) {
-        objc::raise(objc::kInternalInconsistencyException,
+        objc::raise(objc::exception_name::InternalInconsistency,
                     "the main run loop runs on the main thread only");
     }
     for (;;) {

@@ -114,11 +114,8 @@ void PlistNodeDeleter::operator()(void* node) const {
     plist_free(node);
 }
 
-PlistNode readPlist(std::string_view bytes, bool* binary, std::string* problem) {
-    const auto fail = [&](const char* why) {
-        if (problem != nullptr) *problem = why;
-        return PlistNode();
-    };
+objc::Result<PlistNode> readPlist(std::string_view bytes, bool* binary) {
+    const auto fail = [](const char* why) { return objc::Error{0, why}; };
     if (bytes.empty()) return fail("the data is empty");
     if (bytes.size() > std::numeric_limits<std::uint32_t>::max()) {
         return fail("the data is too large");

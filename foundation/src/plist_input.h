@@ -3,6 +3,8 @@
 // assertion, so such input is refused before any key is read.
 #pragma once
 
+#include <objc/result.h>
+
 #include <memory>
 #include <string>
 #include <string_view>
@@ -14,8 +16,8 @@ struct PlistNodeDeleter {
 };
 using PlistNode = std::unique_ptr<void, PlistNodeDeleter>;
 
-// The tree of a binary or XML property list, or null with *problem set (when
-// given). *binary (when given) tells which format was read.
-PlistNode readPlist(std::string_view bytes, bool* binary, std::string* problem);
+// The tree of a binary or XML property list; *binary (when given) tells which
+// format was read.
+objc::Result<PlistNode> readPlist(std::string_view bytes, bool* binary = nullptr);
 
 }  // namespace foundation::detail

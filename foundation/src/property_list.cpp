@@ -345,17 +345,20 @@ bool isPropertyList(id object, std::string* problem) {
     return check(object, {}, problem, 0);
 }
 
-objc::Strong<objc_object> copyPropertyList(id object, std::string* problem) {
-    return copyValue(object, {}, problem, 0);
+objc::Result<objc::Strong<objc_object>> copyPropertyList(id object) {
+    std::string problem;
+    auto copy = copyValue(object, {}, &problem, 0);
+    if (!copy) return objc::Error{0, std::move(problem)};
+    return copy;
 }
 
-std::optional<std::string> encodePropertyList(id object, PlistFormat format, std::string* problem) {
+objc::Result<std::string> encodePropertyList(id object, PlistFormat format) {
     if (format != PlistFormat::XML && format != PlistFormat::Binary) {
-        if (problem != nullptr) *problem = "only the XML and binary formats can be written";
-        return std::nullopt;
+        return objc::Error{0, "only the XML and binary formats can be written"};
     }
-    const PlistNode root = toNode(object, {}, problem, 0);
-    if (!root) return std::nullopt;
+    std::string problem;
+    const PlistNode root = toNode(object, {}, &problem, 0);
+    if (!root) return objc::Error{0, std::move(problem)};
     char* bytes = nullptr;
     std::uint32_t length = 0;
     if (format == PlistFormat::XML) {
@@ -363,26 +366,21 @@ std::optional<std::string> encodePropertyList(id object, PlistFormat format, std
     } else {
         plist_to_bin(root.get(), &bytes, &length);
     }
-    if (bytes == nullptr) {
-        if (problem != nullptr) *problem = "the property list could not be encoded";
-        return std::nullopt;
-    }
+    if (bytes == nullptr) return objc::Error{0, "the property list could not be encoded"};
     std::string result(bytes, length);
     std::free(bytes);
     return result;
 }
 
-objc::Strong<objc_object> decodePropertyList(std::string_view bytes, PlistMutability mutability,
-                                             PlistFormat* format, std::string* problem) {
+objc::Result<objc::Strong<objc_object>> decodePropertyList(std::string_view bytes,
+                                                           PlistMutability mutability,
+                                                           PlistFormat* format) {
     bool binary = false;
-    const PlistNode root = readPlist(bytes, &binary, problem);
-    if (!root) return nullptr;
-    auto object = fromNode(root.get(), mutability, 0);
+    const auto root = readPlist(bytes, &binary);
+    if (!root) return root.error();
+    auto object = fromNode(root->get(), mutability, 0);
     if (!object) {
-        if (problem != nullptr) {
-            *problem = "the property list holds an unsupported or too deeply nested value";
-        }
-        return nullptr;
+        return objc::Error{0, "the property list holds an unsupported or too deeply nested value"};
     }
     if (format != nullptr) *format = binary ? PlistFormat::Binary : PlistFormat::XML;
     return object;

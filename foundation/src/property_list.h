@@ -4,8 +4,8 @@
 #pragma once
 
 #include <objc/object.h>
+#include <objc/result.h>
 
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -21,17 +21,17 @@ enum class PlistMutability { Immutable = 0, MutableContainers = 1, MutableContai
 // and where it sits, e.g. `object <Foo: 0x...> of class Foo at [2].name`.
 bool isPropertyList(id object, std::string* problem = nullptr);
 
-// An immutable deep copy of a property list, or null with *problem set as
-// above. Immutable parts that hold only immutable parts are shared, not copied.
-objc::Strong<objc_object> copyPropertyList(id object, std::string* problem);
+// An immutable deep copy of a property list, or the problem as above.
+// Immutable parts that hold only immutable parts are shared, not copied.
+objc::Result<objc::Strong<objc_object>> copyPropertyList(id object);
 
-// The encoded bytes, or nothing with *problem set. Dictionary keys are
-// written in sorted order so that equal lists encode equally.
-std::optional<std::string> encodePropertyList(id object, PlistFormat format, std::string* problem);
+// The encoded bytes. Dictionary keys are written in sorted order so that
+// equal lists encode equally.
+objc::Result<std::string> encodePropertyList(id object, PlistFormat format);
 
-// The decoded objects, or null with *problem set; *format (when given)
-// receives the format that was read.
-objc::Strong<objc_object> decodePropertyList(std::string_view bytes, PlistMutability mutability,
-                                             PlistFormat* format, std::string* problem);
+// The decoded objects; *format (when given) receives the format that was read.
+objc::Result<objc::Strong<objc_object>> decodePropertyList(std::string_view bytes,
+                                                           PlistMutability mutability,
+                                                           PlistFormat* format = nullptr);
 
 }  // namespace foundation::detail

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <utility>
 
 namespace foundation {
@@ -57,28 +58,32 @@ class Parser {
   public:
     explicit Parser(std::u16string_view text) : text_(text) {}
 
-    std::optional<StringsTable> parse() {
+    objc::Result<StringsTable> parse() {
         StringsTable table;
-        if (!skipSpace()) return std::nullopt;
+        if (!skipSpace()) return malformed();
         while (pos_ < text_.size()) {
             std::u16string key;
             std::u16string value;
-            if (!readString(key) || !skipSpace()) return std::nullopt;
+            if (!readString(key) || !skipSpace()) return malformed();
             if (peek() == u'=') {
                 ++pos_;
-                if (!skipSpace() || !readString(value) || !skipSpace()) return std::nullopt;
+                if (!skipSpace() || !readString(value) || !skipSpace()) return malformed();
             } else {
                 value = key;
             }
-            if (peek() != u';') return std::nullopt;
+            if (peek() != u';') return malformed();
             ++pos_;
             table.insert_or_assign(std::move(key), std::move(value));
-            if (!skipSpace()) return std::nullopt;
+            if (!skipSpace()) return malformed();
         }
         return table;
     }
 
   private:
+    objc::Error malformed() const {
+        return objc::Error{0, "malformed at character " + std::to_string(pos_ + 1)};
+    }
+
     char16_t peek() const { return pos_ < text_.size() ? text_[pos_] : char16_t{0}; }
     bool at(std::u16string_view s) const { return text_.substr(pos_, s.size()) == s; }
 
@@ -181,10 +186,13 @@ bool looksLikePropertyList(std::string_view bytes) {
            rest.substr(0, 6) == "<plist" || rest.substr(0, 9) == "<!DOCTYPE";
 }
 
-std::optional<StringsTable> parsePropertyListTable(std::string_view bytes) {
-    const detail::PlistNode owner = detail::readPlist(bytes, nullptr, nullptr);
-    plist_t root = owner.get();
-    if (root == nullptr || plist_get_node_type(root) != PLIST_DICT) return std::nullopt;
+objc::Result<StringsTable> parsePropertyListTable(std::string_view bytes) {
+    const auto owner = detail::readPlist(bytes);
+    if (!owner) return owner.error();
+    plist_t root = owner->get();
+    if (root == nullptr || plist_get_node_type(root) != PLIST_DICT) {
+        return objc::Error{0, "the property list is not a dictionary"};
+    }
     StringsTable table;
     plist_dict_iter it = nullptr;
     plist_dict_new_iter(root, &it);
@@ -195,7 +203,9 @@ std::optional<StringsTable> parsePropertyListTable(std::string_view bytes) {
         plist_dict_next_item(root, it, &key, &value);
         if (key == nullptr) break;
         const std::unique_ptr<char, void (*)(void*)> keyOwner(key, &free);
-        if (value == nullptr || plist_get_node_type(value) != PLIST_STRING) return std::nullopt;
+        if (value == nullptr || plist_get_node_type(value) != PLIST_STRING) {
+            return objc::Error{0, std::string("the value of \"") + key + "\" is not a string"};
+        }
         std::uint64_t length = 0;
         const char* text = plist_get_string_ptr(value, &length);
         table.insert_or_assign(objc::utf8ToUtf16(key),
@@ -206,7 +216,7 @@ std::optional<StringsTable> parsePropertyListTable(std::string_view bytes) {
 
 }  // namespace
 
-std::optional<StringsTable> parseStringsTable(std::string_view bytes) {
+objc::Result<StringsTable> parseStringsTable(std::string_view bytes) {
     if (looksLikePropertyList(bytes)) return parsePropertyListTable(bytes);
     const std::u16string text = decode(bytes);
     return Parser(text).parse();

@@ -20,7 +20,7 @@ namespace host {
 namespace {
 
 [[noreturn]] void fail(sqlite3* db, const std::string& what) {
-    objc::raise(objc::kInternalInconsistencyException,
+    objc::raise(objc::exception_name::InternalInconsistency,
                 "chat storage: " + what + ": " + (db ? sqlite3_errmsg(db) : "out of memory"));
 }
 
@@ -272,7 +272,7 @@ class SqliteChatStore::Database {
         if (rc != SQLITE_OK) {
             const std::string message = db_ ? sqlite3_errmsg(db_) : "out of memory";
             close();
-            objc::raise(objc::kInternalInconsistencyException,
+            objc::raise(objc::exception_name::InternalInconsistency,
                         "chat storage: cannot open " + name + ": " + message);
         }
         sqlite3_busy_timeout(db_, kBusyTimeoutMs);
@@ -301,7 +301,7 @@ class SqliteChatStore::Database {
         if (sqlite3_exec(db_, sql, nullptr, nullptr, &error) != SQLITE_OK) {
             const std::string message = error ? error : sqlite3_errmsg(db_);
             sqlite3_free(error);
-            objc::raise(objc::kInternalInconsistencyException, "chat storage: " + message);
+            objc::raise(objc::exception_name::InternalInconsistency, "chat storage: " + message);
         }
     }
     void close() {
@@ -351,7 +351,7 @@ std::shared_ptr<SqliteChatStore> SqliteChatStore::open(const std::string& path) 
 
 void SqliteChatStore::checkWritable() const {
     if (!readOnlyReason_.empty()) {
-        objc::raise(objc::kInternalInconsistencyException,
+        objc::raise(objc::exception_name::InternalInconsistency,
                     "chats cannot be saved: " + readOnlyReason_);
     }
 }

@@ -72,7 +72,7 @@ void STSetting::imp_observeValueForKeyPath(NSString*, id, NSDictionary* change, 
         // expected answer here: absorbing it lets the removal finish and
         // reach the other observers and this setting's handler. Any other
         // failure is not ours to hide.
-        if (newValue != NSNull::null() || e.name() != objc::kInvalidArgumentException) throw;
+        if (newValue != NSNull::null() || e.name() != objc::exception_name::InvalidArgument) throw;
     }
     // Held for the call: the handler may replace itself.
     if (const objc::Strong<ChangeBlock> handler = valueDidChangeBlock_) (*handler)();

@@ -7,5 +7,5 @@ void objc::BlockBase::objcDefine(ClassBuilder<BlockBase>& b) {
 }
 
 void objc::blockSignatureMismatch() {
-    raise(kInvalidArgumentException, "a block was called with a signature it does not have");
+    raise(exception_name::InvalidArgument, "a block was called with a signature it does not have");
 }

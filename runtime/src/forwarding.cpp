@@ -9,16 +9,12 @@
 
 namespace objc {
 
-void raise(const char* name, const std::string& reason) {
-    throw Exception(name, reason);
-}
-
 namespace detail {
 namespace {
 
 std::size_t encodedSize(const char* types) {
     NSUInteger size = 0;
-    NSGetSizeAndAlignment(types, &size, nullptr);
+    getSizeAndAlignment(types, &size, nullptr);
     return size;
 }
 
@@ -36,7 +32,7 @@ std::uintptr_t forwardWithoutArguments(id self, SEL sel) {
         msgSend<NSMethodSignature*>(self, objc::sel<"methodSignatureForSelector:">(), sel);
     if (sig == nullptr) unrecognizedSelector(self, sel);
     if (sig->argumentCount() != 2 || sig->returnInfo().size > sizeof(std::uintptr_t)) {
-        raise(kInvalidArgumentException,
+        raise(exception_name::InvalidArgument,
               messageName(self, sel) +
                   ": cannot forward a message with arguments through its implementation pointer");
     }
@@ -53,8 +49,9 @@ void unrecognizedSelector(id self, SEL sel) {
     char address[32];
     std::snprintf(address, sizeof address, "%p", static_cast<void*>(self));
     const bool isClass = class_isMetaClass(object_getClass(self));
-    raise(kInvalidArgumentException, messageName(self, sel) + ": unrecognized selector sent to " +
-                                         (isClass ? "class " : "instance ") + address);
+    raise(exception_name::InvalidArgument, messageName(self, sel) +
+                                               ": unrecognized selector sent to " +
+                                               (isClass ? "class " : "instance ") + address);
 }
 
 void forwardMessage(id self, SEL sel, const void* const* args, const char* const* argTypes,
@@ -67,7 +64,7 @@ void forwardMessage(id self, SEL sel, const void* const* args, const char* const
         unrecognizedSelector(self, sel);  // in case an override returned
     }
     if (sig->argumentCount() != argCount + 2) {
-        raise(kInvalidArgumentException,
+        raise(exception_name::InvalidArgument,
               messageName(self, sel) + ": sent with " + std::to_string(argCount) +
                   " arguments, its signature has " + std::to_string(sig->argumentCount() - 2));
     }
@@ -78,18 +75,18 @@ void forwardMessage(id self, SEL sel, const void* const* args, const char* const
         const NSInteger index = static_cast<NSInteger>(i + 2);
         const char* declared = sig->getArgumentTypeAtIndex(i + 2);
         if (encodedSize(declared) != argSizes[i]) {
-            raise(kInvalidArgumentException, messageName(self, sel) + ": argument " +
-                                                 std::to_string(i) + " sent as " + argTypes[i] +
-                                                 ", the signature says " + declared);
+            raise(exception_name::InvalidArgument,
+                  messageName(self, sel) + ": argument " + std::to_string(i) + " sent as " +
+                      argTypes[i] + ", the signature says " + declared);
         }
         invocation->setArgument(const_cast<void*>(args[i]), index);
     }
     msgSend<void>(self, objc::sel<"forwardInvocation:">(), invocation);
     if (ret != nullptr) {
         if (sig->returnInfo().size != retSize) {
-            raise(kInvalidArgumentException, messageName(self, sel) + ": result expected as " +
-                                                 retType + ", the signature says " +
-                                                 sig->methodReturnType());
+            raise(exception_name::InvalidArgument,
+                  messageName(self, sel) + ": result expected as " + retType +
+                      ", the signature says " + sig->methodReturnType());
         }
         invocation->getReturnValue(ret);
     }
@@ -103,22 +100,4 @@ IMP class_getMethodImplementation(Class cls, SEL sel) {
     IMP imp = objc::detail::cacheLookup(cls, sel);
     if (imp == nullptr) imp = objc::detail::lookupAndCache(cls, sel);
     return imp != nullptr ? imp : reinterpret_cast<IMP>(&objc::detail::forwardWithoutArguments);
-}
-
-Class NSClassFromString(NSString* name) {
-    return name != nullptr ? objc_getClass(name->utf8().c_str()) : nullptr;
-}
-
-NSString* NSStringFromClass(Class cls) {
-    if (cls == nullptr) return nullptr;
-    return objc::autorelease(NSString::create(class_getName(cls)).leak());
-}
-
-NSString* NSStringFromSelector(SEL sel) {
-    if (sel == nullptr) return nullptr;
-    return objc::autorelease(NSString::create(sel_getName(sel)).leak());
-}
-
-SEL NSSelectorFromString(NSString* name) {
-    return name != nullptr ? sel_registerName(name->utf8().c_str()) : nullptr;
 }

@@ -40,7 +40,7 @@ void loadImage(std::initializer_list<ClassFunction> classes,
     for (const Category& c : categories) {
         const Class cls = objc_getClass(c.className);
         if (cls == nullptr) {
-            raise(kInternalInconsistencyException,
+            raise(exception_name::InternalInconsistency,
                   std::string("category ") + c.name + " on a missing class " + c.className);
         }
         c.attach(cls);

@@ -4,6 +4,8 @@
 #include <objc/class_builder.h>
 #include <objc/runtime.h>
 
+#include "method_cache.h"
+
 #include <memory>
 #include <mutex>
 #include <string>
@@ -30,13 +32,6 @@ struct objc_property {
 
 namespace objc::detail {
 
-// A cache table with its slots; owned by its class for the life of the
-// process, also after it has been replaced, since a reader may still hold it.
-struct CacheStorage {
-    Cache header;
-    std::unique_ptr<CacheEntry[]> slots;
-};
-
 struct ClassData {
     std::string name;
     Class superclass = nullptr;
@@ -61,8 +56,6 @@ Class findClass(const std::string& name);
 
 // Must be called with runtimeLock() held.
 Method findMethodLocked(Class cls, SEL sel);
-void flushCachesLocked(Class cls);
-void updateCachedImpLocked(Method m);
 
 // The per-object side table.
 struct Association {

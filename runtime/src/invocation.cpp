@@ -89,7 +89,7 @@ struct InvocationAccess {
 
     static State& state(NSInvocation* inv) {
         if (!inv->state_) [[unlikely]] {
-            objc::raise(objc::kInternalInconsistencyException,
+            objc::raise(objc::exception_name::InternalInconsistency,
                         "NSInvocation used without a method signature: create it with "
                         "+invocationWithMethodSignature:");
         }
@@ -117,7 +117,7 @@ struct InvocationAccess {
     }
 
     [[noreturn]] static void outOfBounds(const char* method, NSInteger index, const State& s) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     std::string("-[NSInvocation ") + method + "]: index (" + std::to_string(index) +
                         ") out of bounds [0, " + std::to_string(s.arguments.size() - 1) + "]");
     }
@@ -131,12 +131,12 @@ struct InvocationAccess {
 
     static NSInvocation* invocationWithMethodSignature(Class cls, SEL, NSMethodSignature* sig) {
         if (sig == nullptr) {
-            objc::raise(objc::kInvalidArgumentException,
+            objc::raise(objc::exception_name::InvalidArgument,
                         "+[NSInvocation invocationWithMethodSignature:]: nil signature");
         }
         const std::size_t count = sig->argumentCount();
         if (sig->argumentInfo(0).size != sizeof(id) || sig->argumentInfo(1).size != sizeof(SEL)) {
-            objc::raise(objc::kInvalidArgumentException,
+            objc::raise(objc::exception_name::InvalidArgument,
                         "+[NSInvocation invocationWithMethodSignature:]: the receiver and "
                         "selector of a message are pointers");
         }
@@ -278,7 +278,7 @@ struct InvocationAccess {
         IMP imp = objc::detail::cacheLookup(cls, sel);
         if (imp == nullptr) [[unlikely]] {
             if (sel == nullptr) {
-                objc::raise(objc::kInvalidArgumentException,
+                objc::raise(objc::exception_name::InvalidArgument,
                             "-[NSInvocation invoke]: the invocation has no selector");
             }
             imp = class_getMethodImplementation(cls, sel);

@@ -32,16 +32,16 @@ std::string capitalized(std::string key) {
 [[noreturn]] void notCompliant(id self, const char* what, NSString* key) {
     char address[32];
     std::snprintf(address, sizeof address, "%p", static_cast<void*>(self));
-    raise(kUnknownKeyException, std::string("[<") + object_getClassName(self) + " " + address +
-                                    "> " + what +
-                                    "]: this class is not key value coding-compliant for the key " +
-                                    (key != nullptr ? key->utf8() : std::string("(null)")) + ".");
+    raise(exception_name::UnknownKey,
+          std::string("[<") + object_getClassName(self) + " " + address + "> " + what +
+              "]: this class is not key value coding-compliant for the key " +
+              (key != nullptr ? key->utf8() : std::string("(null)")) + ".");
 }
 
 id box(const void* value, const char* type) {
     const auto boxFn = gBox.load();
     if (boxFn == nullptr) {
-        raise(kInvalidArgumentException, std::string("no boxing for values of type ") + type);
+        raise(exception_name::InvalidArgument, std::string("no boxing for values of type ") + type);
     }
     return boxFn(value, type);
 }
@@ -49,14 +49,15 @@ id box(const void* value, const char* type) {
 void unbox(id value, void* out, const char* type) {
     const auto unboxFn = gUnbox.load();
     if (unboxFn == nullptr || !unboxFn(value, out, type)) {
-        raise(kInvalidArgumentException, std::string("cannot store ") + object_getClassName(value) +
-                                             " in a value of type " + type);
+        raise(exception_name::InvalidArgument, std::string("cannot store ") +
+                                                   object_getClassName(value) +
+                                                   " in a value of type " + type);
     }
 }
 
 std::vector<unsigned char> buffer(const char* type) {
     NSUInteger size = 0;
-    NSGetSizeAndAlignment(type, &size, nullptr);
+    getSizeAndAlignment(type, &size, nullptr);
     // Room for any scalar the boxing may write, whatever the declared size.
     return std::vector<unsigned char>(std::max<NSUInteger>(size, 16));
 }
@@ -147,10 +148,11 @@ void setValueForUndefinedKey(id self, SEL, id, NSString* key) {
     notCompliant(self, "setValue:forUndefinedKey:", key);
 }
 void setNilValueForKey(id self, SEL, NSString* key) {
-    raise(kInvalidArgumentException, std::string("[<") + object_getClassName(self) +
-                                         "> setNilValueForKey]: could not set nil as the value "
-                                         "for the key " +
-                                         key->utf8() + ".");
+    raise(exception_name::InvalidArgument,
+          std::string("[<") + object_getClassName(self) +
+              "> setNilValueForKey]: could not set nil as the value "
+              "for the key " +
+              key->utf8() + ".");
 }
 
 }  // namespace

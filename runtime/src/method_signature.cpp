@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t kMaxFrameSize = 64 * 1024;
 
 [[noreturn]] void invalid(const std::string& reason) {
-    objc::raise(objc::kInvalidArgumentException,
+    objc::raise(objc::exception_name::InvalidArgument,
                 "+[NSMethodSignature signatureWithObjCTypes:]: " + reason);
 }
 
@@ -70,7 +70,7 @@ void NSMethodSignature::prepare(std::shared_ptr<const std::vector<objc::TypeInfo
 
 const char* NSMethodSignature::imp_getArgumentTypeAtIndex(NSUInteger i) const {
     if (i >= argumentCount()) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "-[NSMethodSignature getArgumentTypeAtIndex:]: index (" + std::to_string(i) +
                         ") out of bounds [0, " + std::to_string(argumentCount() - 1) + "]");
     }

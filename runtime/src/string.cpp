@@ -128,9 +128,9 @@ void NSString::assign(std::u16string units) {
 
 char16_t NSString::imp_characterAtIndex(NSUInteger i) const {
     if (i >= units_.size()) {
-        objc::raise(objc::kRangeException, "-[NSString characterAtIndex:]: index " +
-                                               std::to_string(i) + " beyond bounds " +
-                                               std::to_string(units_.size()));
+        objc::raise(objc::exception_name::Range, "-[NSString characterAtIndex:]: index " +
+                                                     std::to_string(i) + " beyond bounds " +
+                                                     std::to_string(units_.size()));
     }
     return units_[i];
 }

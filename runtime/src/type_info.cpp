@@ -543,12 +543,28 @@ std::shared_ptr<const std::vector<TypeInfo>> parseMethodEncodingCached(std::stri
 
 }  // namespace objc
 
-const char* NSGetSizeAndAlignment(const char* typePtr, NSUInteger* sizep, NSUInteger* alignp) {
-    if (typePtr == nullptr) throw objc::EncodingError({}, "null encoding");
+namespace objc {
+
+const char* getSizeAndAlignment(const char* typePtr, NSUInteger* sizep, NSUInteger* alignp) {
+    if (typePtr == nullptr) throw EncodingError({}, "null encoding");
     const std::string_view whole(typePtr);
     std::string_view cursor = whole;
-    const objc::TypeInfo info = objc::parseType(cursor);
+    const TypeInfo info = parseType(cursor);
     if (sizep != nullptr) *sizep = info.size;
     if (alignp != nullptr) *alignp = info.alignment;
     return typePtr + (whole.size() - cursor.size());
+}
+
+}  // namespace objc
+
+// An exception must not unwind into a C caller, which could neither catch it
+// nor clean up its own frames.
+const char* NSGetSizeAndAlignment(const char* typePtr, NSUInteger* sizep, NSUInteger* alignp) {
+    try {
+        return objc::getSizeAndAlignment(typePtr, sizep, alignp);
+    } catch (...) {
+        if (sizep != nullptr) *sizep = 0;
+        if (alignp != nullptr) *alignp = 0;
+        return nullptr;
+    }
 }

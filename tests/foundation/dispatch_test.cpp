@@ -177,7 +177,7 @@ TEST(DispatchGlobalQueuesDeathTest, AnExceptionInAJobEndsTheProcessWithAReport) 
     EXPECT_DEATH(
         {
             dispatch_async(globalQueue(), [] {
-                objc::raise(objc::kInvalidArgumentException, "bad input in a job");
+                objc::raise(objc::exception_name::InvalidArgument, "bad input in a job");
             });
             std::this_thread::sleep_for(10s);
         },
@@ -222,7 +222,7 @@ TEST(DispatchSerialQueues, SyncRunsOnTheCallingThreadAndRefusesToDeadlock) {
         try {
             dispatch_sync(queue, [] {});
         } catch (const objc::Exception& e) {
-            raised = e.name() == objc::kInternalInconsistencyException;
+            raised = e.name() == objc::exception_name::InternalInconsistency;
         }
     });
     EXPECT_TRUE(onMain);

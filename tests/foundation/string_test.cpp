@@ -43,7 +43,7 @@ TEST_F(StringTest, SubstringsOutOfRangeRaiseRangeException) {
             s->substringWithRange(r);  // location + length wrapping around must not pass
             ADD_FAILURE() << "no exception";
         } catch (const objc::Exception& e) {
-            EXPECT_EQ(e.name(), objc::kRangeException);
+            EXPECT_EQ(e.name(), objc::exception_name::Range);
         }
     }
     EXPECT_THROW(s->substringToIndex(6), objc::Exception);

@@ -27,7 +27,7 @@ TEST(StringsTable, ReadsEntriesWithCommentsAndWhitespace) {
 line" = "kept";
 /* a comment mentioning "fake" = "entry"; */
 )");
-    ASSERT_TRUE(table.has_value());
+    ASSERT_TRUE(table.ok());
     EXPECT_EQ(table->size(), 3u);
     EXPECT_EQ(table->at(u"title"), u(u"Réglages"));
     EXPECT_EQ(table->at(u"empty"), u(u""));
@@ -39,7 +39,7 @@ TEST(StringsTable, DecodesEscapes) {
         R"("quote" = "say \"hi\""; "slash" = "a\\b"; "lines" = "1\n2\t3\r";)"
         R"( "unicode" = "\U00e9\u20AC"; "pair" = "\UD83D\UDE00"; "octal" = "\101";)"
         R"( "other" = "\'\?";)");
-    ASSERT_TRUE(table.has_value());
+    ASSERT_TRUE(table.ok());
     EXPECT_EQ(table->at(u"quote"), u(u"say \"hi\""));
     EXPECT_EQ(table->at(u"slash"), u(u"a\\b"));
     EXPECT_EQ(table->at(u"lines"), u(u"1\n2\t3\r"));
@@ -52,7 +52,7 @@ TEST(StringsTable, DecodesEscapes) {
 TEST(StringsTable, AcceptsKeyOnlyEntriesUnquotedWordsAndLaterDuplicates) {
     const auto table =
         parseStringsTable("\"same\"; plain = word_1.2; \"dup\" = \"a\"; \"dup\" = \"b\";");
-    ASSERT_TRUE(table.has_value());
+    ASSERT_TRUE(table.ok());
     EXPECT_EQ(table->at(u"same"), u(u"same"));
     EXPECT_EQ(table->at(u"plain"), u(u"word_1.2"));
     EXPECT_EQ(table->at(u"dup"), u(u"b"));
@@ -73,12 +73,12 @@ TEST(StringsTable, ReadsUtf16WithAndWithoutByteOrderMarkAndUtf8WithMark) {
     for (const bool bigEndian : {false, true}) {
         for (const bool mark : {true, false}) {
             const auto table = parseStringsTable(encode(bigEndian, mark));
-            ASSERT_TRUE(table.has_value()) << bigEndian << mark;
+            ASSERT_TRUE(table.ok()) << bigEndian << mark;
             EXPECT_EQ(table->at(u"k"), u(u"ü€😀"));
         }
     }
     const auto utf8 = parseStringsTable("\xEF\xBB\xBF\"k\" = \"\xC3\xBC\";");
-    ASSERT_TRUE(utf8.has_value());
+    ASSERT_TRUE(utf8.ok());
     EXPECT_EQ(utf8->at(u"k"), u(u"ü"));
 }
 
@@ -98,23 +98,23 @@ TEST(StringsTable, MalformedInputGivesNoEntries) {
              R"("a" = "b";;)",         // stray semicolon
              "{ \"a\" = \"b\"; }",     // a dictionary, not a table
          }) {
-        EXPECT_FALSE(parseStringsTable(text).has_value()) << text;
+        EXPECT_FALSE(parseStringsTable(text).ok()) << text;
     }
     // A compiled table whose key holds U+0000 aborted inside libplist.
     EXPECT_FALSE(parseStringsTable(
                      testsupport::corpusFile("strings_table/abort-libplist-utf16-key-nul.strings"))
-                     .has_value());
+                     .ok());
 }
 
 TEST(StringsTable, ReadsCompiledPropertyListTables) {
     const auto table = parseStringsTable(R"(<?xml version="1.0" encoding="UTF-8"?>
 <plist version="1.0"><dict><key>hello</key><string>bonjour</string></dict></plist>)");
-    ASSERT_TRUE(table.has_value());
+    ASSERT_TRUE(table.ok());
     EXPECT_EQ(table->at(u"hello"), u(u"bonjour"));
     // A property list that is not a dictionary of strings is malformed.
     EXPECT_FALSE(parseStringsTable(R"(<?xml version="1.0"?>
 <plist version="1.0"><dict><key>n</key><integer>1</integer></dict></plist>)")
-                     .has_value());
+                     .ok());
 }
 
 }  // namespace

@@ -135,8 +135,17 @@ TEST_F(URLDownload, GivesUpAfterTheTimeOut) {
     const auto start = std::chrono::steady_clock::now();
     foundation::DownloadLimits impatient;
     impatient.totalTimeout = 150ms;
-    EXPECT_EQ(foundation::downloadURL(server.url("/slow"), impatient), std::nullopt);
+    EXPECT_FALSE(foundation::downloadURL(server.url("/slow"), impatient).ok());
     EXPECT_LT(std::chrono::steady_clock::now() - start, 3s);
+}
+
+TEST_F(URLDownload, FailsCleanlyWithoutAServer) {
+    EXPECT_EQ(fetch("http://127.0.0.1:" + std::to_string(closedPort()) + "/x"), std::nullopt);
+    // Other schemes are not downloaded, even from a live server.
+    EXPECT_FALSE(
+        foundation::downloadURL("ftp://127.0.0.1:" + std::to_string(server.port()) + "/").ok());
+    EXPECT_FALSE(foundation::downloadURL("not a url").ok());
+    EXPECT_TRUE(server.requestLines().empty());
 }
 
 TEST_F(URLDownload, GoesThroughTheProxyFromTheEnvironment) {

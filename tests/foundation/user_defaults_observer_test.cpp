@@ -194,7 +194,7 @@ TEST(DefaultsObserving, AnObserverThatThrowsLeavesTheDefaultsWorking) {
     auto defaults = NSUserDefaults::create("");
     auto thrower = objc::make<DefaultsObserver>();
     thrower->action = [](NSString*, NSDictionary*) {
-        objc::raise(objc::kInternalInconsistencyException, "observer failed");
+        objc::raise(objc::exception_name::InternalInconsistency, "observer failed");
     };
     defaults->addObserver(thrower, S("k"), 0, nullptr);
     EXPECT_THROW(defaults->setIntegerForKey(1, S("k")), objc::Exception);

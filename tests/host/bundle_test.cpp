@@ -19,8 +19,8 @@ foundation::StringsTable table(const std::string& language) {
     std::stringstream bytes;
     bytes << in.rdbuf();
     auto parsed = foundation::parseStringsTable(bytes.str());
-    EXPECT_TRUE(parsed.has_value()) << language;
-    return parsed.value_or(foundation::StringsTable{});
+    EXPECT_TRUE(parsed.ok()) << language;
+    return parsed ? std::move(*parsed) : foundation::StringsTable{};
 }
 
 std::string text(const foundation::StringsTable& t, const char* key) {

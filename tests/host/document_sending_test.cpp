@@ -492,10 +492,10 @@ class FailingStore final : public host::ChatStore {
         return memory.messages(chat);
     }
     std::int64_t append(const std::string&, host::Message) override {
-        objc::raise(objc::kInternalInconsistencyException, "database or disk is full");
+        objc::raise(objc::exception_name::InternalInconsistency, "database or disk is full");
     }
     void update(const host::Message&) override {
-        objc::raise(objc::kInternalInconsistencyException, "database or disk is full");
+        objc::raise(objc::exception_name::InternalInconsistency, "database or disk is full");
     }
     std::int64_t chatId(const std::string& name) override { return memory.chatId(name) + 1000; }
 

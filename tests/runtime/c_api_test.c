@@ -49,6 +49,11 @@ int main(void) {
     CHECK(numberImp(obj, number) == 8);
     objc_release(obj);
 
+    // A malformed encoding answers NULL rather than unwinding through C.
+    NSUInteger size = 1, alignment = 1;
+    CHECK(NSGetSizeAndAlignment("{A=", &size, &alignment) == NULL && size == 0 && alignment == 0);
+    CHECK(strcmp(NSGetSizeAndAlignment("d@", &size, &alignment), "@") == 0 && size == 8);
+
     // Unmangled: a plain symbol lookup finds the same function.
     void* const found = dlsym(RTLD_DEFAULT, "class_replaceMethod");
     CHECK(found != NULL && found == (void*)&class_replaceMethod);

@@ -54,7 +54,9 @@ class InvRecorder : public NSObject {
     T imp_echo(T value) const {
         return value;
     }
-    void imp_fail() { objc::raise(objc::kInternalInconsistencyException, "failed on purpose"); }
+    void imp_fail() {
+        objc::raise(objc::exception_name::InternalInconsistency, "failed on purpose");
+    }
     void imp_failPlainly() { throw std::runtime_error("plain C++ failure"); }
 };
 

@@ -96,6 +96,18 @@ TEST(TypeInfoTest, MethodEncodingsAndOffsets) {
     EXPECT_EQ(bad, "{A=i");
 }
 
+TEST(TypeInfoTest, SizeAndAlignmentFunction) {
+    NSUInteger size = 0;
+    NSUInteger alignment = 0;
+    EXPECT_STREQ(NSGetSizeAndAlignment("{CGPoint=dd}16@0:8", &size, &alignment), "@0:8");
+    EXPECT_EQ(size, 16u);
+    EXPECT_EQ(alignment, 8u);
+    EXPECT_THROW(objc::getSizeAndAlignment("{A=", &size, nullptr), EncodingError);
+    // The C entry reports a malformed encoding without throwing.
+    EXPECT_EQ(NSGetSizeAndAlignment("{A=", &size, &alignment), nullptr);
+    EXPECT_EQ(size + alignment, 0u);
+}
+
 TEST(TypeInfoTest, MalformedEncodingsThrow) {
     std::vector<std::string> bad = {"",     "{",     "{A=i", "[",   "[x]",     "[4]",     "[4i",
                                     "[4i}", "Z",     "^",    "r",   "{A}",     "(U)",     "{A=v}",

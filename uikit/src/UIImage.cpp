@@ -83,7 +83,7 @@ CGFloat scaleFromName(const std::string& path) {
 objc::Strong<UIImage> UIImage::create(std::size_t width, std::size_t height,
                                       std::vector<std::uint8_t> rgba, CGFloat scale) {
     if (width == 0 || height == 0 || rgba.size() != width * height * 4 || !(scale > 0)) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "UIImage: pixel buffer does not match " + std::to_string(width) + "x" +
                         std::to_string(height) + " RGBA at a positive scale");
     }
@@ -103,8 +103,8 @@ objc::Strong<UIImage> UIImage::decodePNG(std::span<const std::uint8_t> bytes, CG
 
 std::span<const std::uint8_t, 4> UIImage::pixelAt(std::size_t x, std::size_t y) const {
     if (x >= width_ || y >= height_) {
-        objc::raise(objc::kRangeException, "UIImage: pixel (" + std::to_string(x) + ", " +
-                                               std::to_string(y) + ") outside the image");
+        objc::raise(objc::exception_name::Range, "UIImage: pixel (" + std::to_string(x) + ", " +
+                                                     std::to_string(y) + ") outside the image");
     }
     return std::span<const std::uint8_t, 4>(pixels_.data() + (y * width_ + x) * 4, 4);
 }

@@ -75,19 +75,19 @@ void UINavigationController::showTopView() {
 void UINavigationController::imp_pushViewController(UIViewController* controller, bool animated) {
     if (controller == nullptr) {
         objc::raise(
-            objc::kInvalidArgumentException,
+            objc::exception_name::InvalidArgument,
             "Application tried to push a nil view controller on target " + describe(this) + ".");
     }
     for (const auto& c : childList()) {
         if (c.get() == controller) {
-            objc::raise(objc::kInvalidArgumentException,
+            objc::raise(objc::exception_name::InvalidArgument,
                         "Pushing the same view controller instance more than once is not "
                         "supported (" +
                             describe(controller) + ")");
         }
     }
     if (controller->parentViewController() != nullptr) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "Cannot push a view controller that already has a parent (" +
                         describe(controller) + ")");
     }
@@ -142,7 +142,7 @@ NSArray* UINavigationController::imp_popToViewController(UIViewController* contr
     for (std::size_t i = 0; i < childList().size(); ++i) {
         if (childList()[i].get() == controller) return autoreleasedArray(popTo(i, animated));
     }
-    objc::raise(objc::kInvalidArgumentException,
+    objc::raise(objc::exception_name::InvalidArgument,
                 "Tried to pop to a view controller that doesn't exist.");
 }
 
@@ -156,7 +156,7 @@ void UINavigationController::imp_setViewControllers(NSArray* controllers, bool a
     if (controllers != nullptr) {
         for (id c : *controllers) {
             if (objc::cast<UIViewController>(c) == nullptr) {
-                objc::raise(objc::kInvalidArgumentException,
+                objc::raise(objc::exception_name::InvalidArgument,
                             "setViewControllers: takes view controllers only");
             }
             next.push_back(objc::retained(static_cast<UIViewController*>(c)));

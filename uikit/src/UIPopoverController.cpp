@@ -45,7 +45,7 @@ UIPopoverController* UIPopoverController::imp_initWithContentViewController(
         !uikit::systemVersionAtLeast("8.0")) {
         // The caller owns self; it is gone once init raises.
         objc_release(this);
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "-[UIPopoverController initWithContentViewController:] called when not "
                     "running under UIUserInterfaceIdiomPad.");
     }
@@ -70,11 +70,11 @@ void UIPopoverController::imp_presentPopoverFromRect(CGRect rect, UIView* view,
                                                      UIPopoverArrowDirection arrows,
                                                      bool animated) {
     if (view == nullptr || view->window() == nullptr) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "Popovers cannot be presented from a view which does not have a window.");
     }
     if (!content_) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "The content view controller of a popover cannot be nil.");
     }
     rect_ = rect;

@@ -108,7 +108,7 @@ UITableViewCell* UITableView::loadCell(Row row) {
     id cell = msgSend<id>(dataSource_, sel<"tableView:cellForRowAtIndexPath:">(),
                           static_cast<id>(this), pathFor(row.section, row.row));
     if (cell == nullptr || !objc::isKindOf(cell, UITableViewCell::objcClass())) {
-        objc::raise(objc::kInternalInconsistencyException,
+        objc::raise(objc::exception_name::InternalInconsistency,
                     "UITableView (" + std::to_string(row.section) + ", " + std::to_string(row.row) +
                         "): dataSource must return a cell from tableView:cellForRowAtIndexPath:");
     }

@@ -87,12 +87,13 @@ void UIView::imp_insertSubviewAtIndex(UIView* view, NSInteger index) {
 
 void UIView::insertAt(UIView* view, std::size_t index) {
     if (view == this) {
-        objc::raise(objc::kInvalidArgumentException, "Can't add self as subview");
+        objc::raise(objc::exception_name::InvalidArgument, "Can't add self as subview");
     }
     // A view cannot contain its own ancestor: that would make a cycle.
     for (UIView* up = superview_; up != nullptr; up = up->superview_) {
         if (up == view) {
-            objc::raise(objc::kInvalidArgumentException, "Can't add a superview as a subview");
+            objc::raise(objc::exception_name::InvalidArgument,
+                        "Can't add a superview as a subview");
         }
     }
     const objc::Strong<UIView> keep = objc::retained(view);

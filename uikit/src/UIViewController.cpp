@@ -188,14 +188,14 @@ bool UIViewController::isCoveredBy(UIViewController* presented) {
 void UIViewController::imp_presentViewController(UIViewController* controller, bool animated,
                                                  Completion* completion) {
     if (controller == nullptr) {
-        objc::raise(objc::kInvalidArgumentException,
+        objc::raise(objc::exception_name::InvalidArgument,
                     "Application tried to present a nil modal view controller on target " +
                         describe(this) + ".");
     }
     if (controller == this || controller->presenting_ != nullptr ||
         controller->parent_ != nullptr) {
         objc::raise(
-            objc::kInvalidArgumentException,
+            objc::exception_name::InvalidArgument,
             "Application tried to present modally an active controller " + describe(this) + ".");
     }
     if (presented_) {

@@ -10,8 +10,3 @@
 inline constexpr NSInteger NSIntegerMax = std::numeric_limits<NSInteger>::max();
 inline constexpr NSInteger NSIntegerMin = std::numeric_limits<NSInteger>::min();
 inline constexpr NSUInteger NSUIntegerMax = std::numeric_limits<NSUInteger>::max();
-
-namespace foundation {
-// Raised when a collection changes while it is being enumerated.
-inline constexpr const char* kGenericException = "NSGenericException";
-}  // namespace foundation

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <objc/export.h>
+#include <objc/result.h>
 
-#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -18,8 +18,8 @@ using StringsTable = std::unordered_map<std::u16string, std::u16string>;
 // (UTF-8, or UTF-16 with or without a byte-order mark; escapes \" \\ \n \t
 // \r \Uxxxx and the like; `"key";` maps a key to itself; unquoted words are
 // allowed), or a property-list dictionary of strings (XML or binary), as
-// compiled tables are. Malformed input answers nothing; a later entry for a
-// key replaces an earlier one.
-PV_EXPORT std::optional<StringsTable> parseStringsTable(std::string_view bytes);
+// compiled tables are. Malformed input answers an error that says where; a
+// later entry for a key replaces an earlier one.
+PV_EXPORT objc::Result<StringsTable> parseStringsTable(std::string_view bytes);
 
 }  // namespace foundation

@@ -3,12 +3,14 @@
 //
 // libcurl's usual proxy environment variables (http_proxy, https_proxy,
 // no_proxy, all_proxy) are honoured, read at each transfer. Redirects are
-// followed a few times, between http and https only. Any failure answers
-// nullopt: no connection, a time-out, a status outside 2xx, a body past the
-// size cap. Safe to call from several threads at once.
+// followed a few times, between http and https only. Any failure answers an
+// error that says why: no connection, a time-out, a status outside 2xx, a
+// body past the size cap. Safe to call from several threads at once.
 #pragma once
 
 #include <Foundation/NSData.h>
+
+#include <objc/result.h>
 
 #include <chrono>
 #include <cstddef>
@@ -26,10 +28,9 @@ struct PV_EXPORT DownloadLimits {
     long maxRedirects = 5;
 };
 
-// The whole body of an http or https URL; nullopt on failure or for any
-// other scheme.
-PV_EXPORT std::optional<std::vector<std::uint8_t>> downloadURL(const std::string& url,
-                                                               const DownloadLimits& limits = {});
+// The whole body of an http or https URL; an error for any other scheme.
+PV_EXPORT objc::Result<std::vector<std::uint8_t>> downloadURL(const std::string& url,
+                                                              const DownloadLimits& limits = {});
 
 // A loader for setURLLoader that downloads with these limits. It is the
 // loader installed when the process starts (with the default limits).

@@ -19,10 +19,16 @@ class PV_EXPORT Exception : public std::runtime_error {
     std::string name_;
 };
 
-inline constexpr const char* kInvalidArgumentException = "NSInvalidArgumentException";
-inline constexpr const char* kInternalInconsistencyException = "NSInternalInconsistencyException";
-inline constexpr const char* kRangeException = "NSRangeException";
-inline constexpr const char* kUnknownKeyException = "NSUnknownKeyException";
+// Every exception name the system raises, under the platform's names less
+// their "NS" prefix and "Exception" suffix.
+namespace exception_name {
+inline constexpr const char* InvalidArgument = "NSInvalidArgumentException";
+inline constexpr const char* InternalInconsistency = "NSInternalInconsistencyException";
+inline constexpr const char* Range = "NSRangeException";
+inline constexpr const char* UnknownKey = "NSUnknownKeyException";
+// A collection changed while it was being enumerated.
+inline constexpr const char* Generic = "NSGenericException";
+}  // namespace exception_name
 
 [[noreturn]] PV_EXPORT void raise(const char* name, const std::string& reason);
 

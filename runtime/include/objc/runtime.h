@@ -103,7 +103,9 @@ PV_EXPORT NSString* NSStringFromSelector(SEL sel);
 PV_EXPORT SEL NSSelectorFromString(NSString* name);
 
 // Size and alignment of the first type in an encoding; answers the position
-// after it. Throws objc::EncodingError on a malformed encoding.
+// after it. Never throws: a malformed or null encoding answers NULL, with zero
+// size and alignment (C++ code that wants the reason calls
+// objc::getSizeAndAlignment, which throws objc::EncodingError).
 PV_EXPORT const char* NSGetSizeAndAlignment(const char* typePtr, NSUInteger* sizep,
                                             NSUInteger* alignp);
 

@@ -127,11 +127,16 @@ PV_EXPORT std::vector<TypeInfo> parseMethodEncoding(std::string_view types);
 PV_EXPORT std::shared_ptr<const std::vector<TypeInfo>> parseMethodEncodingCached(
     std::string_view types);
 
-}  // namespace objc
-
 // Size and alignment of the first type in a terminated encoding; answers the
 // position after it and its offset digits. Either out-pointer may be null.
-// A malformed encoding throws objc::EncodingError, the runtime's
-// invalid-argument exception.
+// Throws EncodingError, the runtime's invalid-argument exception, on a
+// malformed or null encoding.
+PV_EXPORT const char* getSizeAndAlignment(const char* typePtr, NSUInteger* sizep,
+                                          NSUInteger* alignp);
+
+}  // namespace objc
+
+// getSizeAndAlignment for callers in any language: it never throws. A
+// malformed or null encoding answers null, with zero size and alignment.
 extern "C" PV_EXPORT const char* NSGetSizeAndAlignment(const char* typePtr, NSUInteger* sizep,
                                                        NSUInteger* alignp);
