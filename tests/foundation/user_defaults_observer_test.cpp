@@ -64,6 +64,7 @@ namespace {
 
 constexpr auto kNew = NSKeyValueObservingOptionNew;
 constexpr auto kOld = NSKeyValueObservingOptionOld;
+constexpr NSKeyValueObservingOptions kNone{};
 
 id changeValue(const DefaultsObserver::Note& note, NSString* key) {
     return note.change->objectForKey(key);
@@ -103,7 +104,7 @@ TEST(DefaultsObserving, ChangeHoldsOnlyWhatWasAskedFor) {
     auto defaults = NSUserDefaults::create("");
     auto plain = objc::make<DefaultsObserver>();
     auto oldOnly = objc::make<DefaultsObserver>();
-    defaults->addObserver(plain, S("k"), 0, nullptr);
+    defaults->addObserver(plain, S("k"), kNone, nullptr);
     defaults->addObserver(oldOnly, S("k"), kOld, nullptr);
     defaults->setBoolForKey(true, S("k"));
     ASSERT_EQ(plain->notes().size(), 1u);
@@ -147,8 +148,8 @@ TEST(DefaultsObserving, RegistrationsCountEachAndRemovalTakesTheLatest) {
     auto observer = objc::make<DefaultsObserver>();
     int first = 1;
     int second = 2;
-    defaults->addObserver(observer, S("k"), 0, &first);
-    defaults->addObserver(observer, S("k"), 0, &second);
+    defaults->addObserver(observer, S("k"), kNone, &first);
+    defaults->addObserver(observer, S("k"), kNone, &second);
     defaults->setIntegerForKey(1, S("k"));
     EXPECT_EQ(observer->count(), 2u);
     defaults->removeObserver(observer, S("k"), &first);
@@ -198,7 +199,7 @@ TEST(DefaultsObserving, ObserversSeeTheStoreAlreadyUpdatedAndMayWriteIt) {
         // Writing from inside a notification: no deadlock, observers of that key are told.
         defaults->setObjectForKey(defaults->objectForKey(S("source")), S("mirror"));
     };
-    defaults->addObserver(observer, S("source"), 0, nullptr);
+    defaults->addObserver(observer, S("source"), kNone, nullptr);
     defaults->addObserver(mirrorObserver, S("mirror"), kNew, nullptr);
     defaults->setObjectForKey(S("value"), S("source"));
     EXPECT_EQ(seen, "value");
@@ -221,12 +222,12 @@ TEST(DefaultsObserving, ObserversMayRemoveThemselvesOthersOrAddObserversWhileBei
     };
     bool added = false;
     adder->action = [&](NSString* key, NSDictionary*) {
-        if (!added) defaults->addObserver(latecomer, key, 0, nullptr);
+        if (!added) defaults->addObserver(latecomer, key, kNone, nullptr);
         added = true;
     };
-    defaults->addObserver(selfRemover, S("k"), 0, nullptr);
-    defaults->addObserver(victim, S("k"), 0, nullptr);
-    defaults->addObserver(adder, S("k"), 0, nullptr);
+    defaults->addObserver(selfRemover, S("k"), kNone, nullptr);
+    defaults->addObserver(victim, S("k"), kNone, nullptr);
+    defaults->addObserver(adder, S("k"), kNone, nullptr);
     defaults->setIntegerForKey(1, S("k"));
     EXPECT_EQ(selfRemover->count(), 1u);
     EXPECT_EQ(victim->count(), 0u);
@@ -247,7 +248,7 @@ TEST(DefaultsObserving, AnObserverThatThrowsLeavesTheDefaultsWorking) {
     thrower->action = [](NSString*, NSDictionary*) {
         objc::raise(objc::kInternalInconsistencyException, "observer failed");
     };
-    defaults->addObserver(thrower, S("k"), 0, nullptr);
+    defaults->addObserver(thrower, S("k"), kNone, nullptr);
     EXPECT_THROW(defaults->setIntegerForKey(1, S("k")), objc::Exception);
     EXPECT_EQ(defaults->integerForKey(S("k")), 1);  // the change itself happened
     defaults->removeObserver(thrower, S("k"));
@@ -266,7 +267,7 @@ TEST(DefaultsObserving, RemovalWaitsForACallRunningOnAnotherThread) {
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
         finished = true;
     };
-    defaults->addObserver(observer, S("k"), 0, nullptr);
+    defaults->addObserver(observer, S("k"), kNone, nullptr);
     std::thread writer([&] {
         objc::AutoreleasePool threadPool;
         defaults->setIntegerForKey(1, S("k"));

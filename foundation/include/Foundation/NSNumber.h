@@ -41,9 +41,9 @@ class PV_EXPORT NSNumber : public NSObject {
     }
 
     // Owned numbers from any C++ arithmetic value, keeping its kind: what
-    // @(value) is.
+    // @(value) is. An enumeration is boxed as its underlying integer.
     template <class T>
-    requires std::is_arithmetic_v<T>
+    requires std::is_arithmetic_v<T> || std::is_enum_v<T>
     static objc::Strong<NSNumber> create(T value);
 
     NSNumber* initWithBool(bool v) { return init<"initWithBool:">(v); }
@@ -140,8 +140,11 @@ class PV_EXPORT NSNumber : public NSObject {
 };
 
 template <class T>
-requires std::is_arithmetic_v<T> objc::Strong<NSNumber> NSNumber::create(T value) {
-    if constexpr (std::is_same_v<T, bool>) {
+requires std::is_arithmetic_v<T> || std::is_enum_v<T>
+objc::Strong<NSNumber> NSNumber::create(T value) {
+    if constexpr (std::is_enum_v<T>) {
+        return create(static_cast<std::underlying_type_t<T>>(value));
+    } else if constexpr (std::is_same_v<T, bool>) {
         return createBool(value);
     } else if constexpr (std::is_floating_point_v<T>) {
         return createFloating(static_cast<double>(value),
