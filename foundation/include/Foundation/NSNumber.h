@@ -7,6 +7,14 @@
 
 #include <concepts>
 #include <cstdint>
+#include <type_traits>
+
+namespace foundation {
+// What a number can be made from: arithmetic values, and enumerations as
+// their underlying integer.
+template <class T>
+concept Boxable = std::is_arithmetic_v<T> || std::is_enum_v<T>;
+}  // namespace foundation
 
 class PV_EXPORT NSNumber : public NSObject {
     OBJC_CLASS(NSNumber)
@@ -41,9 +49,8 @@ class PV_EXPORT NSNumber : public NSObject {
     }
 
     // Owned numbers from any C++ arithmetic value, keeping its kind: what
-    // @(value) is. An enumeration is boxed as its underlying integer.
-    template <class T>
-    requires std::is_arithmetic_v<T> || std::is_enum_v<T>
+    // @(value) is.
+    template <foundation::Boxable T>
     static objc::Strong<NSNumber> create(T value);
 
     NSNumber* initWithBool(bool v) { return init<"initWithBool:">(v); }
@@ -139,8 +146,7 @@ class PV_EXPORT NSNumber : public NSObject {
     };
 };
 
-template <class T>
-requires std::is_arithmetic_v<T> || std::is_enum_v<T>
+template <foundation::Boxable T>
 objc::Strong<NSNumber> NSNumber::create(T value) {
     if constexpr (std::is_enum_v<T>) {
         return create(static_cast<std::underlying_type_t<T>>(value));

@@ -61,6 +61,6 @@ constexpr E& operator^=(E& a, E b) {
     return a = a ^ b;
 }
 
-#define OBJC_OPTIONS(Type)                              \
-    template <>                                         \
+#define OBJC_OPTIONS(Type) \
+    template <>            \
     struct objc::IsOptionSet<Type> : std::true_type {}
