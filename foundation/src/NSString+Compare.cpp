@@ -143,7 +143,7 @@ NSComparisonResult compareOptions(NSString* self, SEL, NSString* other,
 }
 
 NSComparisonResult compare(NSString* self, SEL, NSString* other) {
-    return compareOptions(self, nullptr, other, 0);
+    return compareOptions(self, nullptr, other, NSStringCompareOptions{});
 }
 
 NSComparisonResult caseInsensitiveCompare(NSString* self, SEL, NSString* other) {

@@ -72,7 +72,7 @@ NSRange rangeOfStringOptions(NSString* self, SEL, NSString* s, NSStringCompareOp
 }
 
 NSRange rangeOfString(NSString* self, SEL, NSString* s) {
-    return find(self->units(), unitsOf(s, "-[NSString rangeOfString:]"), 0,
+    return find(self->units(), unitsOf(s, "-[NSString rangeOfString:]"), NSStringCompareOptions{},
                 {0, self->units().size()});
 }
 

@@ -108,7 +108,7 @@ void documentPickerDidPickDocumentAtURL(id self, SEL sel, id picker, NSURL* url)
 void documentMenuDidPickDocumentPicker(id self, SEL sel, id menu, id picker) {
     // Whatever the settings: a provider's picker is shown as a form sheet.
     objc::msgSend<void>(picker, objc::sel<"setModalPresentationStyle:">(),
-                        static_cast<UIModalPresentationStyle>(UIModalPresentationFormSheet));
+                        UIModalPresentationFormSheet);
     callOriginal<&documentMenuDidPickDocumentPicker>(self, sel, menu, picker);
 }
 

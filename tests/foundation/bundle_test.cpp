@@ -87,7 +87,7 @@ TEST(Bundle, BinaryInfoPlistAndBundlesWithoutOne) {
     NSData* binary = NSPropertyListSerialization::dataWithPropertyList(
         NSDictionary::create({{S("CFBundleIdentifier"), S("net.example.binary")},
                               {S("CFBundleDevelopmentRegion"), S("fr")}}),
-        NSPropertyListBinaryFormat_v1_0, 0, nullptr);
+        NSPropertyListBinaryFormat_v1_0, {}, nullptr);
     folder.write("app/Info.plist", binary->view());
     folder.write("app/fr.lproj/Localizable.strings", "\"k\" = \"v\";");
     NSBundle* bundle = NSBundle::bundleWithPath(S((folder / "app").c_str()));

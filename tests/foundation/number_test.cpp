@@ -103,6 +103,7 @@ class Gauge : public NSObject {
     OBJC_CLASS(Gauge)
     int level = 0;
     bool enabled = false;
+    NSComparisonResult order = NSOrderedSame;
 
   private:
     int imp_level() const { return level; }
@@ -115,7 +116,8 @@ OBJC_DEFINE_CLASS(Gauge, NSObject, "NumberTestGauge")
 void Gauge::objcDefine(objc::ClassBuilder<Gauge>& b) {
     b.method<&Gauge::imp_level>("level")
         .method<&Gauge::imp_setLevel>("setLevel:")
-        .ivar<&Gauge::enabled>("enabled");
+        .ivar<&Gauge::enabled>("enabled")
+        .ivar<&Gauge::order>("order");
 }
 
 namespace {
@@ -133,6 +135,13 @@ TEST_F(NumberTest, KeyValueCodingBoxesScalarsAsNumbers) {
     ASSERT_NE(enabled, nullptr);
     EXPECT_TRUE(enabled->isBoolean());
     EXPECT_THROW(g->setValueForKey(NSNumber::objcClass(), NSSTR("level")), objc::Exception);
+    // An enumeration travels as its underlying integer, both ways.
+    g->setValueForKey(NSNumber::create(NSOrderedDescending), NSSTR("order"));
+    EXPECT_EQ(g->order, NSOrderedDescending);
+    auto* order = objc::cast<NSNumber>(g->valueForKey(NSSTR("order")));
+    ASSERT_NE(order, nullptr);
+    EXPECT_EQ(std::string(order->objCType()), "q");
+    EXPECT_EQ(order->integerValue(), 1);
 }
 
 }  // namespace

@@ -45,12 +45,13 @@ objc::Strong<NSDictionary> sampleList() {
     });
 }
 
-id roundTrip(id plist, NSPropertyListFormat format, NSPropertyListReadOptions options = 0) {
+id roundTrip(id plist, NSPropertyListFormat format,
+             NSPropertyListReadOptions options = NSPropertyListImmutable) {
     NSError* error = nullptr;
-    NSData* data = NSPropertyListSerialization::dataWithPropertyList(plist, format, 0, &error);
+    NSData* data = NSPropertyListSerialization::dataWithPropertyList(plist, format, {}, &error);
     EXPECT_NE(data, nullptr);
     EXPECT_EQ(error, nullptr);
-    NSPropertyListFormat read = 0;
+    NSPropertyListFormat read{};
     id back = NSPropertyListSerialization::propertyListWithData(data, options, &read, &error);
     EXPECT_EQ(error, nullptr);
     EXPECT_EQ(read, format);
@@ -105,7 +106,7 @@ TEST(PropertyList, ContainersThatHoldThemselvesAreRefusedNotFollowed) {
     loop->addObject(loop.get());
     NSError* error = nullptr;
     EXPECT_EQ(NSPropertyListSerialization::dataWithPropertyList(
-                  loop, NSPropertyListBinaryFormat_v1_0, 0, &error),
+                  loop, NSPropertyListBinaryFormat_v1_0, {}, &error),
               nullptr);
     EXPECT_NE(error, nullptr);
     loop->removeAllObjects();  // breaks the cycle so the array can die
@@ -117,7 +118,7 @@ TEST(PropertyList, CorruptDataGivesAnErrorNotAnObject) {
          {std::string_view("not a plist"), std::string_view("bplist00\x01\x02\x03"),
           std::string_view(""), std::string_view("<plist><dict><key>a</key>")}) {
         NSError* error = nullptr;
-        id result = NSPropertyListSerialization::propertyListWithData(NSData::create(bytes), 0,
+        id result = NSPropertyListSerialization::propertyListWithData(NSData::create(bytes), {},
                                                                       nullptr, &error);
         if (result == nullptr) {
             ASSERT_NE(error, nullptr) << bytes;
@@ -125,7 +126,7 @@ TEST(PropertyList, CorruptDataGivesAnErrorNotAnObject) {
         }
     }
     NSError* error = nullptr;
-    EXPECT_EQ(NSPropertyListSerialization::propertyListWithData(nullptr, 0, nullptr, &error),
+    EXPECT_EQ(NSPropertyListSerialization::propertyListWithData(nullptr, {}, nullptr, &error),
               nullptr);
     EXPECT_NE(error, nullptr);
     // Keys holding U+0000 aborted inside libplist; they are refused, and so is
@@ -135,7 +136,7 @@ TEST(PropertyList, CorruptDataGivesAnErrorNotAnObject) {
           corpusFile("property_list/abort-libplist-key-nul-fuzzed.bplist"),
           std::string("<plist><dict><key>a\0b</key><true/></dict></plist>", 49)}) {
         error = nullptr;
-        EXPECT_EQ(NSPropertyListSerialization::propertyListWithData(NSData::create(bytes), 0,
+        EXPECT_EQ(NSPropertyListSerialization::propertyListWithData(NSData::create(bytes), {},
                                                                     nullptr, &error),
                   nullptr);
         ASSERT_NE(error, nullptr);

@@ -74,9 +74,11 @@ TEST_F(StringTest, RangeOfStringWithOptions) {
     EXPECT_TRUE(notFound(s->rangeOfString(S("Two"), NSAnchoredSearch)));
     EXPECT_EQ(s->rangeOfString(S("two"), NSAnchoredSearch | NSBackwardsSearch).location, 12u);
     EXPECT_TRUE(notFound(s->rangeOfString(S(""))));
-    EXPECT_EQ(s->rangeOfString(S("one"), 0, NSMakeRange(1, 14)).location, 8u);
-    EXPECT_TRUE(notFound(s->rangeOfString(S("one"), 0, NSMakeRange(1, 9))));
-    EXPECT_THROW(s->rangeOfString(S("one"), 0, NSMakeRange(10, 10)), objc::Exception);
+    EXPECT_EQ(s->rangeOfString(S("one"), NSStringCompareOptions{}, NSMakeRange(1, 14)).location,
+              8u);
+    EXPECT_TRUE(notFound(s->rangeOfString(S("one"), NSStringCompareOptions{}, NSMakeRange(1, 9))));
+    EXPECT_THROW(s->rangeOfString(S("one"), NSStringCompareOptions{}, NSMakeRange(10, 10)),
+                 objc::Exception);
 }
 
 TEST_F(StringTest, NumericCompareOrdersVersionNumbers) {
@@ -176,7 +178,9 @@ TEST_F(StringTest, MutableStringEditsInPlaceAndKeepsHashInStep) {
     m->deleteCharactersInRange(NSMakeRange(5, 6));
     m->replaceCharactersInRange(NSMakeRange(0, 5), S("bye"));
     EXPECT_EQ(text(m), "bye 42!");
-    EXPECT_EQ(m->replaceOccurrencesOfString(S("4"), S("44"), 0, NSMakeRange(0, m->length())), 1u);
+    EXPECT_EQ(m->replaceOccurrencesOfString(S("4"), S("44"), NSStringCompareOptions{},
+                                            NSMakeRange(0, m->length())),
+              1u);
     m->setString(m);  // its own contents
     EXPECT_EQ(text(m), "bye 442!");
     EXPECT_THROW(m->insertString(S("x"), 100), objc::Exception);

@@ -64,6 +64,7 @@ namespace {
 
 constexpr auto kNew = NSKeyValueObservingOptionNew;
 constexpr auto kOld = NSKeyValueObservingOptionOld;
+constexpr NSKeyValueObservingOptions kNone{};
 
 id changeValue(const DefaultsObserver::Note& note, NSString* key) {
     return note.change->objectForKey(key);
@@ -147,7 +148,7 @@ TEST(DefaultsObserving, ObserversSeeTheStoreAlreadyUpdatedAndMayWriteIt) {
         // Writing from inside a notification: no deadlock, observers of that key are told.
         defaults->setObjectForKey(defaults->objectForKey(S("source")), S("mirror"));
     };
-    defaults->addObserver(observer, S("source"), 0, nullptr);
+    defaults->addObserver(observer, S("source"), kNone, nullptr);
     defaults->addObserver(mirrorObserver, S("mirror"), kNew, nullptr);
     defaults->setObjectForKey(S("value"), S("source"));
     EXPECT_EQ(seen, "value");
@@ -170,12 +171,12 @@ TEST(DefaultsObserving, ObserversMayRemoveThemselvesOthersOrAddObserversWhileBei
     };
     bool added = false;
     adder->action = [&](NSString* key, NSDictionary*) {
-        if (!added) defaults->addObserver(latecomer, key, 0, nullptr);
+        if (!added) defaults->addObserver(latecomer, key, kNone, nullptr);
         added = true;
     };
-    defaults->addObserver(selfRemover, S("k"), 0, nullptr);
-    defaults->addObserver(victim, S("k"), 0, nullptr);
-    defaults->addObserver(adder, S("k"), 0, nullptr);
+    defaults->addObserver(selfRemover, S("k"), kNone, nullptr);
+    defaults->addObserver(victim, S("k"), kNone, nullptr);
+    defaults->addObserver(adder, S("k"), kNone, nullptr);
     defaults->setIntegerForKey(1, S("k"));
     EXPECT_EQ(selfRemover->count(), 1u);
     EXPECT_EQ(victim->count(), 0u);
@@ -196,7 +197,7 @@ TEST(DefaultsObserving, AnObserverThatThrowsLeavesTheDefaultsWorking) {
     thrower->action = [](NSString*, NSDictionary*) {
         objc::raise(objc::exception_name::InternalInconsistency, "observer failed");
     };
-    defaults->addObserver(thrower, S("k"), 0, nullptr);
+    defaults->addObserver(thrower, S("k"), kNone, nullptr);
     EXPECT_THROW(defaults->setIntegerForKey(1, S("k")), objc::Exception);
     EXPECT_EQ(defaults->integerForKey(S("k")), 1);  // the change itself happened
     defaults->removeObserver(thrower, S("k"));
@@ -215,7 +216,7 @@ TEST(DefaultsObserving, RemovalWaitsForACallRunningOnAnotherThread) {
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
         finished = true;
     };
-    defaults->addObserver(observer, S("k"), 0, nullptr);
+    defaults->addObserver(observer, S("k"), kNone, nullptr);
     std::thread writer([&] {
         objc::AutoreleasePool threadPool;
         defaults->setIntegerForKey(1, S("k"));

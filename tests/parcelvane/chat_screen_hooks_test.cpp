@@ -47,7 +47,8 @@ class ChatScreenHooksTest : public ::testing::Test {
         hooks::presentShareDocumentController(chat.get(),
                                               objc::sel<"presentShareDocumentController">());
     }
-    static objc::Strong<UIDocumentMenuViewController> menuFor(const char* type, NSUInteger mode) {
+    static objc::Strong<UIDocumentMenuViewController> menuFor(const char* type,
+                                                              UIDocumentPickerMode mode) {
         return UIDocumentMenuViewController::create(NSArray::create({NSString::create(type)}).get(),
                                                     mode);
     }
@@ -61,7 +62,7 @@ class ChatScreenHooksTest : public ::testing::Test {
 
 TEST_F(ChatScreenHooksTest, WhileSendDocumentsIsOffTheHostsOwnBehaviourRuns) {
     enable("send_documents_enabled", false);
-    const auto menu = menuFor("com.adobe.pdf", 3);
+    const auto menu = menuFor("com.adobe.pdf", UIDocumentPickerModeMoveToService);
     EXPECT_EQ(menu->typeList(), Strings{"com.adobe.pdf"});
     EXPECT_EQ(menu->mode(), 3u);
     share();
@@ -71,7 +72,7 @@ TEST_F(ChatScreenHooksTest, WhileSendDocumentsIsOffTheHostsOwnBehaviourRuns) {
 
 TEST_F(ChatScreenHooksTest, WhileOnEveryMenuTakesAllDataAndTheShareActionPresentsOne) {
     enable("send_documents_enabled", true);
-    const auto menu = menuFor("com.adobe.pdf", 2);
+    const auto menu = menuFor("com.adobe.pdf", UIDocumentPickerModeExportToService);
     EXPECT_EQ(menu->typeList(), Strings{"public.data"});
     EXPECT_EQ(menu->mode(), UIDocumentPickerModeImport);
 

@@ -1,6 +1,7 @@
 // Compile-time encodings: the checks are static_asserts, so a regression fails the build.
 #include <objc/encoding.h>
 #include <objc/geometry.h>
+#include <objc/string.h>
 
 #include <string_view>
 
@@ -24,6 +25,7 @@ struct Opaque;
 struct Undeclared;  // an object class seen only by name
 enum class Mode : unsigned short { kA, kB };
 enum Legacy : int { kLegacyA };
+enum Row : NSInteger { kRowA };
 
 }  // namespace
 
@@ -66,6 +68,12 @@ static_assert(encodes<NSInteger>("q") && encodes<NSUInteger>("Q"));
 static_assert(encodes<float>("f") && encodes<double>("d") && encodes<long double>("D"));
 static_assert(encodes<const int>("i") && encodes<volatile double>("d"));
 static_assert(encodes<Mode>("S") && encodes<Legacy>("i"));
+// An enumeration encodes as its underlying type, so methods keep the encodings
+// they had when such values were plain integers.
+static_assert(encodes<Row>(encodingOf<NSInteger>()) &&
+              encodes<NSStringCompareOptions>(encodingOf<NSUInteger>()));
+static_assert(std::string_view(methodEncoding<Row, NSStringCompareOptions>()) ==
+              methodEncoding<NSInteger, NSUInteger>());
 
 // Runtime types and objects: a class is "#" although it is an object too.
 static_assert(encodes<id>("@") && encodes<Widget*>("@") && encodes<Gadget*>("@"));

@@ -7,9 +7,15 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace {
+
+// Masks combine into masks of their own set.
+static_assert(std::is_same_v<decltype(UIControlEventTouchDown | UIControlEventValueChanged),
+                             UIControlEvents> &&
+              objc::bits(UIControlEventAllTouchEvents & ~UIControlEventTouchDown) == 0xFFE);
 
 // Logs "<name>:<action>" with the sender it received.
 class ActionTarget : public NSObject {

@@ -12,9 +12,14 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace {
+
+// A table's style is not a row animation, nor is a plain integer either.
+static_assert(!std::is_convertible_v<UITableViewStyle, UITableViewRowAnimation> &&
+              !std::is_convertible_v<NSInteger, UITableViewRowAnimation>);
 
 // Serves fixed cells; counts what it is asked.
 class CellSource : public NSObject {

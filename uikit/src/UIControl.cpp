@@ -63,7 +63,7 @@ void UIControl::imp_sendActionsForControlEvents(UIControlEvents events) {
 }
 
 UIControlEvents UIControl::imp_allControlEvents() const {
-    UIControlEvents all = 0;
+    UIControlEvents all{};
     for (const Registration& entry : registrations_) all |= entry.events;
     return all;
 }

@@ -2,15 +2,19 @@
 #pragma once
 
 #include <objc/object.h>
+#include <objc/options.h>
 #include <objc/string.h>
 
-using NSKeyValueObservingOptions = NSUInteger;
-inline constexpr NSKeyValueObservingOptions NSKeyValueObservingOptionNew = 0x01;
-inline constexpr NSKeyValueObservingOptions NSKeyValueObservingOptionOld = 0x02;
-inline constexpr NSKeyValueObservingOptions NSKeyValueObservingOptionInitial = 0x04;
+enum NSKeyValueObservingOptions : NSUInteger {
+    NSKeyValueObservingOptionNew = 0x01,
+    NSKeyValueObservingOptionOld = 0x02,
+    NSKeyValueObservingOptionInitial = 0x04,
+};
+OBJC_OPTIONS(NSKeyValueObservingOptions);
 
-using NSKeyValueChange = NSUInteger;
-inline constexpr NSKeyValueChange NSKeyValueChangeSetting = 1;
+enum NSKeyValueChange : NSUInteger {
+    NSKeyValueChangeSetting = 1,
+};
 
 // Keys of the change dictionary.
 PV_EXPORT extern NSString* const NSKeyValueChangeKindKey;  // "kind": an NSNumber NSKeyValueChange

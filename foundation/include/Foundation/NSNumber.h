@@ -7,6 +7,14 @@
 
 #include <concepts>
 #include <cstdint>
+#include <type_traits>
+
+namespace foundation {
+// What a number can be made from: arithmetic values, and enumerations as
+// their underlying integer.
+template <class T>
+concept Boxable = std::is_arithmetic_v<T> || std::is_enum_v<T>;
+}  // namespace foundation
 
 class PV_EXPORT NSNumber : public NSObject {
     OBJC_CLASS(NSNumber)
@@ -42,8 +50,7 @@ class PV_EXPORT NSNumber : public NSObject {
 
     // Owned numbers from any C++ arithmetic value, keeping its kind: what
     // @(value) is.
-    template <class T>
-    requires std::is_arithmetic_v<T>
+    template <foundation::Boxable T>
     static objc::Strong<NSNumber> create(T value);
 
     NSNumber* initWithBool(bool v) { return init<"initWithBool:">(v); }
@@ -139,9 +146,11 @@ class PV_EXPORT NSNumber : public NSObject {
     };
 };
 
-template <class T>
-requires std::is_arithmetic_v<T> objc::Strong<NSNumber> NSNumber::create(T value) {
-    if constexpr (std::is_same_v<T, bool>) {
+template <foundation::Boxable T>
+objc::Strong<NSNumber> NSNumber::create(T value) {
+    if constexpr (std::is_enum_v<T>) {
+        return create(static_cast<std::underlying_type_t<T>>(value));
+    } else if constexpr (std::is_same_v<T, bool>) {
         return createBool(value);
     } else if constexpr (std::is_floating_point_v<T>) {
         return createFloating(static_cast<double>(value),

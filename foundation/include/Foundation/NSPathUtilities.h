@@ -3,23 +3,27 @@
 #pragma once
 
 #include <objc/object.h>
+#include <objc/options.h>
 #include <objc/string.h>
 
 class NSArray;
 
-using NSSearchPathDirectory = NSUInteger;
-inline constexpr NSSearchPathDirectory NSLibraryDirectory = 5;
-inline constexpr NSSearchPathDirectory NSDocumentationDirectory = 8;
-inline constexpr NSSearchPathDirectory NSDocumentDirectory = 9;
-inline constexpr NSSearchPathDirectory NSCachesDirectory = 13;
-inline constexpr NSSearchPathDirectory NSApplicationSupportDirectory = 14;
+enum NSSearchPathDirectory : NSUInteger {
+    NSLibraryDirectory = 5,
+    NSDocumentationDirectory = 8,
+    NSDocumentDirectory = 9,
+    NSCachesDirectory = 13,
+    NSApplicationSupportDirectory = 14,
+};
 
-using NSSearchPathDomainMask = NSUInteger;
-inline constexpr NSSearchPathDomainMask NSUserDomainMask = 1;
-inline constexpr NSSearchPathDomainMask NSLocalDomainMask = 2;
-inline constexpr NSSearchPathDomainMask NSNetworkDomainMask = 4;
-inline constexpr NSSearchPathDomainMask NSSystemDomainMask = 8;
-inline constexpr NSSearchPathDomainMask NSAllDomainsMask = 0x0ffff;
+enum NSSearchPathDomainMask : NSUInteger {
+    NSUserDomainMask = 1,
+    NSLocalDomainMask = 2,
+    NSNetworkDomainMask = 4,
+    NSSystemDomainMask = 8,
+    NSAllDomainsMask = 0x0ffff,
+};
+OBJC_OPTIONS(NSSearchPathDomainMask);
 
 // The app's container, as configured (foundation::configureProcess), else HOME.
 PV_EXPORT NSString* NSHomeDirectory();

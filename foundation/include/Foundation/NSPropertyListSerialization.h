@@ -2,20 +2,27 @@
 #pragma once
 
 #include <objc/object.h>
+#include <objc/options.h>
 
 class NSData;
 class NSError;
 
-using NSPropertyListFormat = NSUInteger;
-inline constexpr NSPropertyListFormat NSPropertyListOpenStepFormat = 1;
-inline constexpr NSPropertyListFormat NSPropertyListXMLFormat_v1_0 = 100;
-inline constexpr NSPropertyListFormat NSPropertyListBinaryFormat_v1_0 = 200;
+enum NSPropertyListFormat : NSUInteger {
+    NSPropertyListOpenStepFormat = 1,
+    NSPropertyListXMLFormat_v1_0 = 100,
+    NSPropertyListBinaryFormat_v1_0 = 200,
+};
 
-using NSPropertyListReadOptions = NSUInteger;
-using NSPropertyListWriteOptions = NSUInteger;
-inline constexpr NSPropertyListReadOptions NSPropertyListImmutable = 0;
-inline constexpr NSPropertyListReadOptions NSPropertyListMutableContainers = 1;
-inline constexpr NSPropertyListReadOptions NSPropertyListMutableContainersAndLeaves = 2;
+enum NSPropertyListMutabilityOptions : NSUInteger {
+    NSPropertyListImmutable = 0,
+    NSPropertyListMutableContainers = 1,
+    NSPropertyListMutableContainersAndLeaves = 2,
+};
+OBJC_OPTIONS(NSPropertyListMutabilityOptions);
+using NSPropertyListReadOptions = NSPropertyListMutabilityOptions;
+// No options are defined for writing; callers pass {}.
+enum NSPropertyListWriteOptions : NSUInteger {};
+OBJC_OPTIONS(NSPropertyListWriteOptions);
 
 class PV_EXPORT NSPropertyListSerialization : public NSObject {
     OBJC_CLASS(NSPropertyListSerialization)

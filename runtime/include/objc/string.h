@@ -4,6 +4,7 @@
 
 #include <objc/geometry.h>
 #include <objc/object.h>
+#include <objc/options.h>
 
 #include <limits>
 #include <string>
@@ -26,22 +27,25 @@ enum NSComparisonResult : NSInteger {
 // "Not found" in ranges and indexes.
 inline constexpr NSInteger NSNotFound = std::numeric_limits<NSInteger>::max();
 
-using NSStringCompareOptions = NSUInteger;
-inline constexpr NSStringCompareOptions NSCaseInsensitiveSearch = 1;
-inline constexpr NSStringCompareOptions NSLiteralSearch = 2;
-inline constexpr NSStringCompareOptions NSBackwardsSearch = 4;
-inline constexpr NSStringCompareOptions NSAnchoredSearch = 8;
-inline constexpr NSStringCompareOptions NSNumericSearch = 64;
-inline constexpr NSStringCompareOptions NSDiacriticInsensitiveSearch = 128;
+enum NSStringCompareOptions : NSUInteger {
+    NSCaseInsensitiveSearch = 1,
+    NSLiteralSearch = 2,
+    NSBackwardsSearch = 4,
+    NSAnchoredSearch = 8,
+    NSNumericSearch = 64,
+    NSDiacriticInsensitiveSearch = 128,
+};
+OBJC_OPTIONS(NSStringCompareOptions);
 
-using NSStringEncoding = NSUInteger;
-inline constexpr NSStringEncoding NSASCIIStringEncoding = 1;
-inline constexpr NSStringEncoding NSUTF8StringEncoding = 4;
-inline constexpr NSStringEncoding NSISOLatin1StringEncoding = 5;
-inline constexpr NSStringEncoding NSUTF16StringEncoding = 10;  // host byte order, with a BOM
-inline constexpr NSStringEncoding NSUnicodeStringEncoding = 10;
-inline constexpr NSStringEncoding NSUTF16BigEndianStringEncoding = 0x90000100;
-inline constexpr NSStringEncoding NSUTF16LittleEndianStringEncoding = 0x94000100;
+enum NSStringEncoding : NSUInteger {
+    NSASCIIStringEncoding = 1,
+    NSUTF8StringEncoding = 4,
+    NSISOLatin1StringEncoding = 5,
+    NSUTF16StringEncoding = 10,  // host byte order, with a BOM
+    NSUnicodeStringEncoding = 10,
+    NSUTF16BigEndianStringEncoding = 0x90000100,
+    NSUTF16LittleEndianStringEncoding = 0x94000100,
+};
 // ---- end of Foundation's part --------------------------------------------
 
 class PV_EXPORT NSString : public NSObject {

@@ -13,10 +13,11 @@
 #include <string_view>
 #include <vector>
 
-using UIUserInterfaceIdiom = NSInteger;
-inline constexpr UIUserInterfaceIdiom UIUserInterfaceIdiomUnspecified = -1;
-inline constexpr UIUserInterfaceIdiom UIUserInterfaceIdiomPhone = 0;
-inline constexpr UIUserInterfaceIdiom UIUserInterfaceIdiomPad = 1;
+enum UIUserInterfaceIdiom : NSInteger {
+    UIUserInterfaceIdiomUnspecified = -1,
+    UIUserInterfaceIdiomPhone = 0,
+    UIUserInterfaceIdiomPad = 1,
+};
 
 namespace uikit {
 

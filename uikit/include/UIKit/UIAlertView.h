@@ -18,11 +18,12 @@
 #include <string>
 #include <vector>
 
-using UIAlertViewStyle = NSInteger;
-inline constexpr UIAlertViewStyle UIAlertViewStyleDefault = 0;
-inline constexpr UIAlertViewStyle UIAlertViewStyleSecureTextInput = 1;
-inline constexpr UIAlertViewStyle UIAlertViewStylePlainTextInput = 2;
-inline constexpr UIAlertViewStyle UIAlertViewStyleLoginAndPasswordInput = 3;
+enum UIAlertViewStyle : NSInteger {
+    UIAlertViewStyleDefault = 0,
+    UIAlertViewStyleSecureTextInput = 1,
+    UIAlertViewStylePlainTextInput = 2,
+    UIAlertViewStyleLoginAndPasswordInput = 3,
+};
 
 class PV_EXPORT UIAlertView : public NSObject {
     OBJC_CLASS(UIAlertView)

@@ -7,21 +7,25 @@
 
 #include <UIKit/UIView.h>
 
+#include <objc/options.h>
+
 #include <cstddef>
 #include <vector>
 
-using UIControlEvents = NSUInteger;
-inline constexpr UIControlEvents UIControlEventTouchDown = 1 << 0;
-inline constexpr UIControlEvents UIControlEventTouchUpInside = 1 << 6;
-inline constexpr UIControlEvents UIControlEventTouchUpOutside = 1 << 7;
-inline constexpr UIControlEvents UIControlEventTouchCancel = 1 << 8;
-inline constexpr UIControlEvents UIControlEventValueChanged = 1 << 12;
-inline constexpr UIControlEvents UIControlEventEditingDidBegin = 1 << 16;
-inline constexpr UIControlEvents UIControlEventEditingChanged = 1 << 17;
-inline constexpr UIControlEvents UIControlEventEditingDidEnd = 1 << 18;
-inline constexpr UIControlEvents UIControlEventAllTouchEvents = 0x00000FFF;
-inline constexpr UIControlEvents UIControlEventAllEditingEvents = 0x000F0000;
-inline constexpr UIControlEvents UIControlEventAllEvents = 0xFFFFFFFF;
+enum UIControlEvents : NSUInteger {
+    UIControlEventTouchDown = 1 << 0,
+    UIControlEventTouchUpInside = 1 << 6,
+    UIControlEventTouchUpOutside = 1 << 7,
+    UIControlEventTouchCancel = 1 << 8,
+    UIControlEventValueChanged = 1 << 12,
+    UIControlEventEditingDidBegin = 1 << 16,
+    UIControlEventEditingChanged = 1 << 17,
+    UIControlEventEditingDidEnd = 1 << 18,
+    UIControlEventAllTouchEvents = 0x00000FFF,
+    UIControlEventAllEditingEvents = 0x000F0000,
+    UIControlEventAllEvents = 0xFFFFFFFF,
+};
+OBJC_OPTIONS(UIControlEvents);
 
 class PV_EXPORT UIControl : public UIView {
     OBJC_CLASS(UIControl)

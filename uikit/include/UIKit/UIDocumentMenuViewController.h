@@ -19,15 +19,17 @@
 class NSArray;
 class NSString;
 
-using UIDocumentPickerMode = NSUInteger;
-inline constexpr UIDocumentPickerMode UIDocumentPickerModeImport = 0;
-inline constexpr UIDocumentPickerMode UIDocumentPickerModeOpen = 1;
-inline constexpr UIDocumentPickerMode UIDocumentPickerModeExportToService = 2;
-inline constexpr UIDocumentPickerMode UIDocumentPickerModeMoveToService = 3;
+enum UIDocumentPickerMode : NSUInteger {
+    UIDocumentPickerModeImport = 0,
+    UIDocumentPickerModeOpen = 1,
+    UIDocumentPickerModeExportToService = 2,
+    UIDocumentPickerModeMoveToService = 3,
+};
 
-using UIDocumentMenuOrder = NSUInteger;
-inline constexpr UIDocumentMenuOrder UIDocumentMenuOrderFirst = 0;
-inline constexpr UIDocumentMenuOrder UIDocumentMenuOrderLast = 1;
+enum UIDocumentMenuOrder : NSUInteger {
+    UIDocumentMenuOrderFirst = 0,
+    UIDocumentMenuOrderLast = 1,
+};
 
 class PV_EXPORT UIDocumentMenuViewController : public UIViewController {
     OBJC_CLASS(UIDocumentMenuViewController)

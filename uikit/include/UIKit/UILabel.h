@@ -5,12 +5,13 @@
 
 #include <objc/string.h>
 
-using NSTextAlignment = NSInteger;
-inline constexpr NSTextAlignment NSTextAlignmentLeft = 0;
-inline constexpr NSTextAlignment NSTextAlignmentCenter = 1;
-inline constexpr NSTextAlignment NSTextAlignmentRight = 2;
-inline constexpr NSTextAlignment NSTextAlignmentJustified = 3;
-inline constexpr NSTextAlignment NSTextAlignmentNatural = 4;
+enum NSTextAlignment : NSInteger {
+    NSTextAlignmentLeft = 0,
+    NSTextAlignmentCenter = 1,
+    NSTextAlignmentRight = 2,
+    NSTextAlignmentJustified = 3,
+    NSTextAlignmentNatural = 4,
+};
 
 class PV_EXPORT UILabel : public UIView {
     OBJC_CLASS(UILabel)

@@ -9,16 +9,19 @@
 #include <UIKit/UIViewController.h>
 
 #include <objc/geometry.h>
+#include <objc/options.h>
 
 #include <vector>
 
-using UIPopoverArrowDirection = NSUInteger;
-inline constexpr UIPopoverArrowDirection UIPopoverArrowDirectionUp = 1;
-inline constexpr UIPopoverArrowDirection UIPopoverArrowDirectionDown = 2;
-inline constexpr UIPopoverArrowDirection UIPopoverArrowDirectionLeft = 4;
-inline constexpr UIPopoverArrowDirection UIPopoverArrowDirectionRight = 8;
-inline constexpr UIPopoverArrowDirection UIPopoverArrowDirectionAny = 15;
-inline constexpr UIPopoverArrowDirection UIPopoverArrowDirectionUnknown = ~0ul;
+enum UIPopoverArrowDirection : NSUInteger {
+    UIPopoverArrowDirectionUp = 1,
+    UIPopoverArrowDirectionDown = 2,
+    UIPopoverArrowDirectionLeft = 4,
+    UIPopoverArrowDirectionRight = 8,
+    UIPopoverArrowDirectionAny = 15,
+    UIPopoverArrowDirectionUnknown = ~0ul,
+};
+OBJC_OPTIONS(UIPopoverArrowDirection);
 
 class PV_EXPORT UIPopoverController : public NSObject {
     OBJC_CLASS(UIPopoverController)

@@ -26,20 +26,23 @@
 
 class NSArray;
 
-using UITableViewStyle = NSInteger;
-inline constexpr UITableViewStyle UITableViewStylePlain = 0;
-inline constexpr UITableViewStyle UITableViewStyleGrouped = 1;
+enum UITableViewStyle : NSInteger {
+    UITableViewStylePlain = 0,
+    UITableViewStyleGrouped = 1,
+};
 
-using UITableViewScrollPosition = NSInteger;
-inline constexpr UITableViewScrollPosition UITableViewScrollPositionNone = 0;
-inline constexpr UITableViewScrollPosition UITableViewScrollPositionTop = 1;
-inline constexpr UITableViewScrollPosition UITableViewScrollPositionMiddle = 2;
-inline constexpr UITableViewScrollPosition UITableViewScrollPositionBottom = 3;
+enum UITableViewScrollPosition : NSInteger {
+    UITableViewScrollPositionNone = 0,
+    UITableViewScrollPositionTop = 1,
+    UITableViewScrollPositionMiddle = 2,
+    UITableViewScrollPositionBottom = 3,
+};
 
-using UITableViewRowAnimation = NSInteger;
-inline constexpr UITableViewRowAnimation UITableViewRowAnimationFade = 0;
-inline constexpr UITableViewRowAnimation UITableViewRowAnimationNone = 5;
-inline constexpr UITableViewRowAnimation UITableViewRowAnimationAutomatic = 100;
+enum UITableViewRowAnimation : NSInteger {
+    UITableViewRowAnimationFade = 0,
+    UITableViewRowAnimationNone = 5,
+    UITableViewRowAnimationAutomatic = 100,
+};
 
 class PV_EXPORT UITableView : public UIView {
     OBJC_CLASS(UITableView)

@@ -11,24 +11,27 @@
 
 #include <objc/string.h>
 
-using UITableViewCellStyle = NSInteger;
-inline constexpr UITableViewCellStyle UITableViewCellStyleDefault = 0;
-inline constexpr UITableViewCellStyle UITableViewCellStyleValue1 = 1;
-inline constexpr UITableViewCellStyle UITableViewCellStyleValue2 = 2;
-inline constexpr UITableViewCellStyle UITableViewCellStyleSubtitle = 3;
+enum UITableViewCellStyle : NSInteger {
+    UITableViewCellStyleDefault = 0,
+    UITableViewCellStyleValue1 = 1,
+    UITableViewCellStyleValue2 = 2,
+    UITableViewCellStyleSubtitle = 3,
+};
 
-using UITableViewCellAccessoryType = NSInteger;
-inline constexpr UITableViewCellAccessoryType UITableViewCellAccessoryNone = 0;
-inline constexpr UITableViewCellAccessoryType UITableViewCellAccessoryDisclosureIndicator = 1;
-inline constexpr UITableViewCellAccessoryType UITableViewCellAccessoryDetailDisclosureButton = 2;
-inline constexpr UITableViewCellAccessoryType UITableViewCellAccessoryCheckmark = 3;
-inline constexpr UITableViewCellAccessoryType UITableViewCellAccessoryDetailButton = 4;
+enum UITableViewCellAccessoryType : NSInteger {
+    UITableViewCellAccessoryNone = 0,
+    UITableViewCellAccessoryDisclosureIndicator = 1,
+    UITableViewCellAccessoryDetailDisclosureButton = 2,
+    UITableViewCellAccessoryCheckmark = 3,
+    UITableViewCellAccessoryDetailButton = 4,
+};
 
-using UITableViewCellSelectionStyle = NSInteger;
-inline constexpr UITableViewCellSelectionStyle UITableViewCellSelectionStyleNone = 0;
-inline constexpr UITableViewCellSelectionStyle UITableViewCellSelectionStyleBlue = 1;
-inline constexpr UITableViewCellSelectionStyle UITableViewCellSelectionStyleGray = 2;
-inline constexpr UITableViewCellSelectionStyle UITableViewCellSelectionStyleDefault = 3;
+enum UITableViewCellSelectionStyle : NSInteger {
+    UITableViewCellSelectionStyleNone = 0,
+    UITableViewCellSelectionStyleBlue = 1,
+    UITableViewCellSelectionStyleGray = 2,
+    UITableViewCellSelectionStyleDefault = 3,
+};
 
 class PV_EXPORT UITableViewCell : public UIView {
     OBJC_CLASS(UITableViewCell)

@@ -24,16 +24,17 @@ class NSArray;
 class NSString;
 class UINavigationController;
 
-using UIModalPresentationStyle = NSInteger;
-inline constexpr UIModalPresentationStyle UIModalPresentationFullScreen = 0;
-inline constexpr UIModalPresentationStyle UIModalPresentationPageSheet = 1;
-inline constexpr UIModalPresentationStyle UIModalPresentationFormSheet = 2;
-inline constexpr UIModalPresentationStyle UIModalPresentationCurrentContext = 3;
-inline constexpr UIModalPresentationStyle UIModalPresentationCustom = 4;
-inline constexpr UIModalPresentationStyle UIModalPresentationOverFullScreen = 5;
-inline constexpr UIModalPresentationStyle UIModalPresentationOverCurrentContext = 6;
-inline constexpr UIModalPresentationStyle UIModalPresentationPopover = 7;
-inline constexpr UIModalPresentationStyle UIModalPresentationNone = -1;
+enum UIModalPresentationStyle : NSInteger {
+    UIModalPresentationFullScreen = 0,
+    UIModalPresentationPageSheet = 1,
+    UIModalPresentationFormSheet = 2,
+    UIModalPresentationCurrentContext = 3,
+    UIModalPresentationCustom = 4,
+    UIModalPresentationOverFullScreen = 5,
+    UIModalPresentationOverCurrentContext = 6,
+    UIModalPresentationPopover = 7,
+    UIModalPresentationNone = -1,
+};
 
 class PV_EXPORT UIViewController : public UIResponder {
     OBJC_CLASS(UIViewController)
