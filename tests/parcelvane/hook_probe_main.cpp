@@ -3,7 +3,7 @@
 // initialisers install the hooks) and checks the result. Prints one line per
 // check; exits 1 at the first failed one, 2 when the library cannot be loaded.
 #include "hook_probe_toolkit.h"
-#include "../support/scratch_folder.h"
+#include "scratch_folder.h"
 
 #include <Foundation/NSRunLoop.h>
 
