@@ -22,7 +22,7 @@ void UISwitch::objcDefine(objc::ClassBuilder<UISwitch>& b) {
 
 UISwitch* UISwitch::imp_initWithFrame(CGRect frame) {
     frame.size = kSwitchSize;
-    objc::msgSendSuper<UIView*>(UIControl::objcClass(), this, objc::sel<"initWithFrame:">(), frame);
+    objc::superSend<UIView*>(this, objc::sel<"initWithFrame:">(), frame);
     return this;
 }
 
