@@ -69,7 +69,7 @@ C* C::imp_init() {
 }
 
 C* C::imp_initWithPath(NSString* path) {
-    auto* self = objc::msgSendSuper<C*>(UIViewController::objcClass(), this, objc::sel<"init">());
+    auto* self = objc::superSend<C*>(this, objc::sel<"init">());
     if (self == nullptr) return nullptr;
     self->path_ = normalizePath(path != nullptr ? std::string(path->UTF8String()) : "/");
     self->setTitle(NSString::create(titleFor(self->path_)).get());
@@ -98,8 +98,7 @@ const std::vector<C::Entry>& C::entries() {
 }
 
 void C::imp_viewWillAppear(bool animated) {
-    objc::msgSendSuper<void>(UIViewController::objcClass(), this, objc::sel<"viewWillAppear:">(),
-                             animated);
+    objc::superSend<void>(this, objc::sel<"viewWillAppear:">(), animated);
     if (!loaded_) reloadData();
 }
 

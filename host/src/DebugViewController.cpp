@@ -17,7 +17,7 @@ void DebugViewController::objcDefine(objc::ClassBuilder<DebugViewController>& b)
 }
 
 void DebugViewController::imp_viewDidLoad() {
-    objc::msgSendSuper<void>(UIViewController::objcClass(), this, objc::sel<"viewDidLoad">());
+    objc::superSend<void>(this, objc::sel<"viewDidLoad">());
     setTitle(NSSTR("Debug"));
 }
 

@@ -21,7 +21,7 @@ objc::Strong<WAChatListViewController> WAChatListViewController::create(
 }
 
 void WAChatListViewController::imp_viewDidLoad() {
-    objc::msgSendSuper<void>(UIViewController::objcClass(), this, objc::sel<"viewDidLoad">());
+    objc::superSend<void>(this, objc::sel<"viewDidLoad">());
     setTitle(host::localized(NSSTR("Chats")));
 }
 

@@ -70,7 +70,7 @@ std::vector<host::Message> WAChatSessionViewController::messages() const {
 }
 
 void WAChatSessionViewController::imp_viewDidLoad() {
-    objc::msgSendSuper<void>(UIViewController::objcClass(), this, objc::sel<"viewDidLoad">());
+    objc::superSend<void>(this, objc::sel<"viewDidLoad">());
     setTitle(NSString::create(contact_).get());
 }
 

@@ -36,8 +36,7 @@ objc::Strong<WATableSection> section(NSString* header,
 }  // namespace
 
 void WASettingsViewController::imp_viewDidLoad() {
-    objc::msgSendSuper<void>(WAStaticTableViewController::objcClass(), this,
-                             objc::sel<"viewDidLoad">());
+    objc::superSend<void>(this, objc::sel<"viewDidLoad">());
     setTitle(host::localized(NSSTR("Settings")));
     setupTableView();
 }

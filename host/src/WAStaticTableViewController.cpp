@@ -17,16 +17,14 @@ void WAStaticTableViewController::objcDefine(objc::ClassBuilder<WAStaticTableVie
 
 WAStaticTableViewController* WAStaticTableViewController::imp_initWithNibNameBundle(
     NSString* nibName, id bundle) {
-    auto* self = objc::msgSendSuper<WAStaticTableViewController*>(
-        UIViewController::objcClass(), this, objc::sel<"initWithNibName:bundle:">(), nibName,
-        bundle);
+    auto* self = objc::superSend<WAStaticTableViewController*>(
+        this, objc::sel<"initWithNibName:bundle:">(), nibName, bundle);
     if (self != nullptr) self->sections_ = NSMutableArray::create();
     return self;
 }
 
 void WAStaticTableViewController::imp_didMoveToParentViewController(UIViewController* parent) {
-    objc::msgSendSuper<void>(UIViewController::objcClass(), this,
-                             objc::sel<"didMoveToParentViewController:">(), parent);
+    objc::superSend<void>(this, objc::sel<"didMoveToParentViewController:">(), parent);
     if (parent != nullptr) return;
     selected_.reset();
     if (sections_) sections_->removeAllObjects();

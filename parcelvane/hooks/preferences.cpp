@@ -10,7 +10,7 @@ namespace {
 // The setting is autoreleased into a pool of the call's own, so that it dies
 // (and stops observing its key) before the caller sees the result. Messages
 // to a nil value answer zero.
-template <class R, objc::detail::SelectorName Conversion>
+template <class R, objc::FixedString Conversion>
 R readConverted(NSString* key) {
     const objc::AutoreleasePool pool;
     return objc::msgSend<R>(STSetting::settingWithKey(key)->value(), objc::sel<Conversion>());

@@ -28,12 +28,6 @@ Class debugScreenClass = nullptr;
 
 using Handler = objc::Block<void()>;
 
-// [[cls alloc] init] for a class known only by name; nil without the class.
-objc::Strong<objc_object> makeInstance(Class cls) {
-    const id fresh = objc::msgSend<id>(cls, objc::sel<"alloc">());
-    return objc::adopt(objc::msgSend<id>(fresh, objc::sel<"init">()));
-}
-
 // Sent as messages: a screen outside a navigation controller pushes to nil.
 void push(id settings, id controller) {
     const id navigation = objc::msgSend<id>(settings, objc::sel<"navigationController">());
@@ -54,7 +48,7 @@ objc::Strong<Handler> settingsPageHandler(id settings) {
     return objc::makeBlock<void()>([screen = objc::retained(settings)] {
         deselect(screen.get());
         const objc::Strong<objc_object> page =
-            makeInstance(objc_getClass("ParcelvaneSetTableViewController"));
+            objc::makeInstance("ParcelvaneSetTableViewController");
         push(screen.get(), page.get());
     });
 }
@@ -63,7 +57,7 @@ objc::Strong<Handler> settingsPageHandler(id settings) {
 objc::Strong<Handler> debugScreenHandler(id settings) {
     return objc::makeBlock<void()>([screen = objc::retained(settings)] {
         if (debugScreenClass == nullptr) debugScreenClass = objc_getClass("DebugViewController");
-        const objc::Strong<objc_object> debug = makeInstance(debugScreenClass);
+        const objc::Strong<objc_object> debug = objc::makeInstance(debugScreenClass);
         push(screen.get(), debug.get());
     });
 }
@@ -78,8 +72,7 @@ NSString* translated(NSString* arabic, NSString* english, NSString* french) {
 void addRow(id section, NSString* reuseIdentifier, const objc::Strong<Handler>& handler,
             const std::function<void(UITableViewCell*)>& configure,
             const std::function<NSString*()>& title) {
-    const objc::Strong<objc_object> row =
-        objc::adopt(objc::msgSend<id>(objc_getClass("WATableRow"), objc::sel<"new">()));
+    const objc::Strong<objc_object> row = objc::makeInstance("WATableRow");
     objc::msgSend<void>(row.get(), objc::sel<"setHandler:">(), handler.get());
     const objc::Strong<UITableViewCell> cell =
         objc::adopt(objc::alloc<UITableViewCell>()->initWithStyleReuseIdentifier(
@@ -160,7 +153,7 @@ void storeIfTagged(NSUserDefaults* defaults, id sender, const SettingsSwitch& wh
 }  // namespace
 
 id addSectionAtTop(id self, SEL) {
-    const objc::Strong<objc_object> section = makeInstance(objc_getClass("WATableSection"));
+    const objc::Strong<objc_object> section = objc::makeInstance("WATableSection");
     const id sections = objc::msgSend<id>(self, objc::sel<"valueForKey:">(), NSSTR("_sections"));
     // Below the host's first section, never above it, whatever the name says.
     objc::msgSend<void>(sections, objc::sel<"insertObject:atIndex:">(), section.get(),

@@ -32,8 +32,7 @@ STSetting* STSetting::imp_settingWithKey(Class cls, NSString* key) {
 
 STSetting* STSetting::imp_initWithKey(NSString* key) {
     if (key == nullptr) return this;  // keyless: not even the base initialiser runs
-    auto* self = static_cast<STSetting*>(
-        objc::msgSendSuper<id>(NSObject::objcClass(), this, objc::sel<"init">()));
+    auto* self = static_cast<STSetting*>(objc::superSend<id>(this, objc::sel<"init">()));
     if (self == nullptr) return nullptr;
     self->key_ = objc::retained(key);
     self->observed_ = NSUserDefaults::standardUserDefaults();
@@ -80,5 +79,5 @@ void STSetting::imp_observeValueForKeyPath(NSString*, id, NSDictionary* change, 
 
 void STSetting::imp_dealloc() {
     if (key_ && observed_ != nullptr) observed_->removeObserver(this, key_);
-    objc::msgSendSuper<void>(NSObject::objcClass(), this, objc::sel<"dealloc">());
+    objc::superSend<void>(this, objc::sel<"dealloc">());
 }

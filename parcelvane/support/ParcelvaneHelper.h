@@ -119,11 +119,11 @@ class ParcelvaneHelper : public NSObject {
     }
 
   private:
-    template <objc::detail::SelectorName Name>
+    template <objc::FixedString Name>
     static bool ask() {
         return objc::msgSend<bool>(objcClass(), objc::sel<Name>());
     }
-    template <objc::detail::SelectorName Name>
+    template <objc::FixedString Name>
     static double measure() {
         return objc::msgSend<double>(objcClass(), objc::sel<Name>());
     }

@@ -172,4 +172,14 @@ bool isKindOf(id obj, Class cls) noexcept {
     return false;
 }
 
+Strong<objc_object> makeInstance(const char* className) {
+    return makeInstance(className != nullptr ? objc_getClass(className) : nullptr);
+}
+
+Strong<objc_object> makeInstance(Class cls) {
+    if (cls == nullptr) return nullptr;
+    const id obj = msgSend<id>(cls, sel<"alloc">());
+    return Strong<objc_object>::adopt(msgSend<id>(obj, sel<"init">()));
+}
+
 }  // namespace objc

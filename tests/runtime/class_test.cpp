@@ -193,3 +193,54 @@ TEST(Classes, LoadRunsOnceSuperclassesFirstThenCategories) {
 }
 
 }  // namespace
+
+TEST(Classes, PropertiesFromMembersFollowTheirOptions) {
+    const objc::AutoreleasePool pool;
+    // The example of <objc/class_builder.h>: a property, a method, a super send.
+    const auto tally = objc::make<Tally>();
+    EXPECT_EQ(tally->count(), 1);
+    EXPECT_EQ(tally->add(2), 3);
+    EXPECT_FALSE(tally->respondsToSelector(sel<"setCount:">()));
+    tally->setName(NSSTR("beads"));
+    EXPECT_STREQ(tally->name()->UTF8String(), "beads");
+    EXPECT_STREQ(property_getAttributes(class_getProperty(Tally::objcClass(), "count")),
+                 "Tq,R,N,V_count");
+    EXPECT_STREQ(property_getAttributes(class_getProperty(Tally::objcClass(), "name")),
+                 "T@\"NSString\",C,V_name");
+    // A subclass that overrides nothing: the super send still starts above
+    // Tally, not above the receiver's class (which would run init twice).
+    const Class child = objc_allocateClassPair(Tally::objcClass(), "TallyChild", 0);
+    objc_registerClassPair(child);
+    const auto grown = objc::adopt(static_cast<Tally*>(objc::makeInstance("TallyChild").leak()));
+    EXPECT_EQ(grown->count(), 1);
+    EXPECT_EQ(objc::makeInstance("NoSuchClass"), nullptr);
+
+    // A scalar read through a getter of its own name, and a weak object.
+    const auto counter = objc::make<Counter>();
+    msgSend<void>(counter.get(), sel<"setEnabled:">(), true);
+    EXPECT_TRUE(msgSend<bool>(counter.get(), sel<"isEnabled">()));
+    EXPECT_FALSE(counter->respondsToSelector(sel<"enabled">()));
+    const std::uint32_t refs = objc_retainCount(counter.get());
+    msgSend<void>(counter.get(), sel<"setOwner:">(), counter.get());
+    EXPECT_EQ(msgSend<Counter*>(counter.get(), sel<"owner">()), counter.get());
+    EXPECT_EQ(objc_retainCount(counter.get()), refs);
+    EXPECT_STREQ(property_getAttributes(class_getProperty(Counter::objcClass(), "enabled")),
+                 "TB,N,GisEnabled,V_enabled");
+    EXPECT_STREQ(property_getAttributes(class_getProperty(Counter::objcClass(), "owner")),
+                 "T@\"Counter\",W,N,V_owner");
+    objc::ClassBuilder<Counter> misuse(objc_allocateClassPair(Counter::objcClass(), "BadProp", 0));
+    EXPECT_THROW(misuse.property<&Counter::value_>("value", objc::Copy), objc::Exception);
+
+    // An atomic getter answers a live object while another thread replaces it.
+    std::thread setter([&] {
+        for (int i = 0; i < 2000; ++i) {
+            const objc::AutoreleasePool inner;
+            tally->setName(NSString::create(std::to_string(i)).get());
+        }
+    });
+    for (int i = 0; i < 2000; ++i) {
+        const objc::AutoreleasePool inner;
+        EXPECT_GT(tally->name()->length(), 0u);
+    }
+    setter.join();
+}

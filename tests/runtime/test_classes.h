@@ -17,6 +17,8 @@ class Counter : public NSObject {
 
     objc::Strong<NSString> name_;
     int value_ = 0;
+    bool enabled_ = false;      // the property "enabled", read as isEnabled
+    Counter* owner_ = nullptr;  // the weak property "owner"
 
   private:
     int imp_add(int n) { return value_ += n; }
@@ -37,3 +39,26 @@ class DoublingCounter : public SubCounter {
   private:
     int imp_add(int n);
 };
+
+// The example of <objc/class_builder.h>, kept as it is written there.
+// clang-format off
+class Tally : public NSObject {
+    OBJC_CLASS(Tally)
+
+    NSInteger add(NSInteger n) {
+        return objc::msgSend<NSInteger>(this, objc::sel<"add:">(), n);
+    }
+    NSInteger count() { return objc::msgSend<NSInteger>(this, objc::sel<"count">()); }
+    NSString* name() { return objc::msgSend<NSString*>(this, objc::sel<"name">()); }
+    void setName(NSString* name) {
+        objc::msgSend<void>(this, objc::sel<"setName:">(), name);
+    }
+
+  private:
+    Tally* imp_init();
+    NSInteger imp_add(NSInteger n) { return count_ += n; }
+
+    NSInteger count_ = 0;
+    objc::Strong<NSString> name_;
+};
+// clang-format on

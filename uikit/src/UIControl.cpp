@@ -13,12 +13,9 @@ void UIControl::objcDefine(objc::ClassBuilder<UIControl>& b) {
         .method<&C::imp_removeTargetActionForControlEvents>("removeTarget:action:forControlEvents:")
         .method<&C::imp_sendActionsForControlEvents>("sendActionsForControlEvents:")
         .method<&C::imp_allControlEvents>("allControlEvents")
-        .method<&C::imp_isEnabled>("isEnabled")
-        .method<&C::imp_setEnabled>("setEnabled:")
-        .method<&C::imp_isSelected>("isSelected")
-        .method<&C::imp_setSelected>("setSelected:")
-        .method<&C::imp_isHighlighted>("isHighlighted")
-        .method<&C::imp_setHighlighted>("setHighlighted:");
+        .property<&C::enabled_>("enabled", objc::Nonatomic | objc::getter("isEnabled"))
+        .property<&C::selected_>("selected", objc::Nonatomic | objc::getter("isSelected"))
+        .property<&C::highlighted_>("highlighted", objc::Nonatomic | objc::getter("isHighlighted"));
 }
 
 void UIControl::imp_addTargetActionForControlEvents(id target, SEL action, UIControlEvents events) {

@@ -23,8 +23,8 @@ void UIDocumentMenuViewController::objcDefine(objc::ClassBuilder<UIDocumentMenuV
 
 UIDocumentMenuViewController* UIDocumentMenuViewController::imp_initWithDocumentTypesInMode(
     NSArray* types, UIDocumentPickerMode mode) {
-    auto* self = static_cast<UIDocumentMenuViewController*>(
-        objc::msgSendSuper<id>(UIViewController::objcClass(), this, objc::sel<"init">()));
+    auto* self =
+        static_cast<UIDocumentMenuViewController*>(objc::superSend<id>(this, objc::sel<"init">()));
     if (self == nullptr) return nullptr;
     self->types_ = types != nullptr ? objc::adopt(static_cast<NSArray*>(types->copy()))
                                     : objc::retained(NSArray::array());

@@ -66,7 +66,7 @@ void UIDocumentPickerViewController::objcDefine(
 UIDocumentPickerViewController* UIDocumentPickerViewController::imp_initWithDocumentTypesInMode(
     NSArray* types, UIDocumentPickerMode mode) {
     auto* self = static_cast<UIDocumentPickerViewController*>(
-        objc::msgSendSuper<id>(UIViewController::objcClass(), this, objc::sel<"init">()));
+        objc::superSend<id>(this, objc::sel<"init">()));
     if (self == nullptr) return nullptr;
     self->types_ = types != nullptr ? objc::adopt(static_cast<NSArray*>(types->copy()))
                                     : objc::retained(NSArray::array());

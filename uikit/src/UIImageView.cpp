@@ -7,8 +7,7 @@ OBJC_REGISTER_CLASS(UIImageView)
 
 void UIImageView::objcDefine(objc::ClassBuilder<UIImageView>& b) {
     b.method<&UIImageView::imp_initWithImage>("initWithImage:")
-        .method<&UIImageView::imp_image>("image")
-        .method<&UIImageView::imp_setImage>("setImage:");
+        .property<&UIImageView::image_>("image", objc::Nonatomic);
 }
 
 UIImageView* UIImageView::imp_initWithImage(UIImage* image) {

@@ -45,8 +45,7 @@ NSArray* autoreleasedArray(const std::vector<objc::Strong<UIViewController>>& li
 
 UINavigationController* UINavigationController::imp_initWithRootViewController(
     UIViewController* root) {
-    const Class super = UIViewController::objcClass();
-    auto* self = objc::msgSendSuper<UINavigationController*>(super, this, objc::sel<"init">());
+    auto* self = objc::superSend<UINavigationController*>(this, objc::sel<"init">());
     if (self != nullptr && root != nullptr) self->pushViewController(root, false);
     return self;
 }

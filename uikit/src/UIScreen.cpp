@@ -61,6 +61,5 @@ CGRect UIScreen::imp_nativeBounds() {
 
 bool UIScreen::imp_respondsToSelector(SEL sel) {
     if (isNativeSelector(sel) && !hasNativeMetrics()) return false;
-    return objc::msgSendSuper<bool>(NSObject::objcClass(), this, objc::sel<"respondsToSelector:">(),
-                                    sel);
+    return objc::superSend<bool>(this, objc::sel<"respondsToSelector:">(), sel);
 }

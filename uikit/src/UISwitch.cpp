@@ -14,15 +14,14 @@ constexpr CGSize kSwitchSize{51, 31};
 
 void UISwitch::objcDefine(objc::ClassBuilder<UISwitch>& b) {
     b.method<&UISwitch::imp_initWithFrame>("initWithFrame:")
-        .method<&UISwitch::imp_isOn>("isOn")
-        .method<&UISwitch::imp_setOn>("setOn:")
+        .property<&UISwitch::on_>("on", objc::Nonatomic | objc::getter("isOn"))
         .method<&UISwitch::imp_setOnAnimated>("setOn:animated:")
         .method<&UISwitch::imp_userToggle>("_userToggle");
 }
 
 UISwitch* UISwitch::imp_initWithFrame(CGRect frame) {
     frame.size = kSwitchSize;
-    objc::msgSendSuper<UIView*>(UIControl::objcClass(), this, objc::sel<"initWithFrame:">(), frame);
+    objc::superSend<UIView*>(this, objc::sel<"initWithFrame:">(), frame);
     return this;
 }
 

@@ -53,7 +53,7 @@ UITableView* UITableView::imp_initWithFrame(CGRect frame) {
 }
 
 UITableView* UITableView::imp_initWithFrameStyle(CGRect frame, UITableViewStyle style) {
-    objc::msgSendSuper<UIView*>(UIView::objcClass(), this, sel<"initWithFrame:">(), frame);
+    objc::superSend<UIView*>(this, sel<"initWithFrame:">(), frame);
     style_ = style == UITableViewStyleGrouped ? UITableViewStyleGrouped : UITableViewStylePlain;
     return this;
 }

@@ -41,15 +41,15 @@ constexpr CGFloat kRowWidth = 320;
 
 UITableViewCell* UITableViewCell::imp_initWithFrame(CGRect frame) {
     // A cell made with -init or -initWithFrame: has the default style.
-    objc::msgSendSuper<UIView*>(UIView::objcClass(), this, objc::sel<"initWithFrame:">(), frame);
+    objc::superSend<UIView*>(this, objc::sel<"initWithFrame:">(), frame);
     build(UITableViewCellStyleDefault, nullptr);
     return this;
 }
 
 UITableViewCell* UITableViewCell::imp_initWithStyleReuseIdentifier(UITableViewCellStyle style,
                                                                    NSString* reuseIdentifier) {
-    objc::msgSendSuper<UIView*>(UIView::objcClass(), this, objc::sel<"initWithFrame:">(),
-                                CGRectMake(0, 0, kRowWidth, kRowHeight));
+    objc::superSend<UIView*>(this, objc::sel<"initWithFrame:">(),
+                             CGRectMake(0, 0, kRowWidth, kRowHeight));
     build(style, reuseIdentifier);
     return this;
 }

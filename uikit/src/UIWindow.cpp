@@ -41,8 +41,7 @@ UIWindow* UIWindow::imp_keyWindow(Class) {
 }
 
 UIWindow* UIWindow::imp_initWithFrame(CGRect frame) {
-    auto* self = objc::msgSendSuper<UIWindow*>(UIView::objcClass(), this,
-                                               objc::sel<"initWithFrame:">(), frame);
+    auto* self = objc::superSend<UIWindow*>(this, objc::sel<"initWithFrame:">(), frame);
     // Windows start hidden until shown.
     if (self != nullptr) self->setHidden(true);
     return self;
@@ -63,7 +62,7 @@ bool UIWindow::imp_isKeyWindow() const {
 
 void UIWindow::imp_setHidden(bool hidden) {
     const bool wasHidden = isHidden();
-    objc::msgSendSuper<void>(UIView::objcClass(), this, objc::sel<"setHidden:">(), hidden);
+    objc::superSend<void>(this, objc::sel<"setHidden:">(), hidden);
     if (!root_ || wasHidden == hidden) return;
     root_->beginAppearanceTransition(!hidden, false);
     root_->endAppearanceTransition();

@@ -97,7 +97,7 @@ class PV_EXPORT NSCharacterSet : public NSObject {
     NSCharacterSet() = default;
 
   private:
-    template <objc::detail::SelectorName Name>
+    template <objc::FixedString Name>
     static NSCharacterSet* standard() {
         return objc::msgSend<NSCharacterSet*>(objcClass(), objc::sel<Name>());
     }

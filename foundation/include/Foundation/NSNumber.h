@@ -108,15 +108,15 @@ class PV_EXPORT NSNumber : public NSObject {
     NSNumber() = default;
 
   private:
-    template <objc::detail::SelectorName Name, class T>
+    template <objc::FixedString Name, class T>
     static NSNumber* with(T v) {
         return objc::msgSend<NSNumber*>(objcClass(), objc::sel<Name>(), v);
     }
-    template <objc::detail::SelectorName Name, class T>
+    template <objc::FixedString Name, class T>
     NSNumber* init(T v) {
         return objc::msgSend<NSNumber*>(this, objc::sel<Name>(), v);
     }
-    template <class R, objc::detail::SelectorName Name>
+    template <class R, objc::FixedString Name>
     R value() {
         return objc::msgSend<R>(this, objc::sel<Name>());
     }

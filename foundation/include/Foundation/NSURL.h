@@ -72,7 +72,7 @@ class PV_EXPORT NSURL : public NSObject {
     NSURL() = default;
 
   private:
-    template <objc::detail::SelectorName Name>
+    template <objc::FixedString Name>
     NSString* string() {
         return objc::msgSend<NSString*>(this, objc::sel<Name>());
     }

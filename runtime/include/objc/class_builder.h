@@ -1,26 +1,69 @@
-// Writing runtime classes in C++.
+// Writing runtime classes in C++: the idiom.
 //
-// A C++ class holds the state; its dynamically dispatched methods are
-// registered once with their selectors, and their type encodings are derived
-// from the C++ signatures. C++ callers use small typed wrappers that send the
-// message, so a replaced implementation always runs:
+// A C++ class holds an object's state. Its dynamically dispatched methods
+// and properties are registered once, by name, in objcDefine; encodings,
+// accessors and attribute strings are derived from the C++ types. C++
+// callers use typed wrappers that send the message, so an implementation
+// replaced at run time always runs.
 //
-//   class Counter : public NSObject {
-//       OBJC_CLASS(Counter)
-//   public:
-//       int add(int n) { return objc::msgSend<int>(this, objc::sel<"add:">(), n); }
-//   private:
-//       int imp_add(int n) { return value_ += n; }
-//       int value_ = 0;
+//   // Tally.h
+//   class Tally : public NSObject {
+//       OBJC_CLASS(Tally)
+//
+//       NSInteger add(NSInteger n) {
+//           return objc::msgSend<NSInteger>(this, objc::sel<"add:">(), n);
+//       }
+//       NSInteger count() { return objc::msgSend<NSInteger>(this, objc::sel<"count">()); }
+//       NSString* name() { return objc::msgSend<NSString*>(this, objc::sel<"name">()); }
+//       void setName(NSString* name) {
+//           objc::msgSend<void>(this, objc::sel<"setName:">(), name);
+//       }
+//
+//     private:
+//       Tally* imp_init();
+//       NSInteger imp_add(NSInteger n) { return count_ += n; }
+//
+//       NSInteger count_ = 0;
+//       objc::Strong<NSString> name_;
 //   };
-//   // counter.cpp
-//   OBJC_DEFINE_CLASS(Counter, NSObject, "Counter")
-//   void Counter::objcDefine(objc::ClassBuilder<Counter>& b) { b.method<&Counter::imp_add>("add:");
+//
+//   // Tally.cpp
+//   OBJC_DEFINE_CLASS(Tally, NSObject, "Tally")
+//
+//   void Tally::objcDefine(objc::ClassBuilder<Tally>& b) {
+//       b.property<&Tally::count_>("count", objc::Readonly | objc::Nonatomic)
+//           .property<&Tally::name_>("name", objc::Copy)
+//           .method<&Tally::imp_init>("init")
+//           .method<&Tally::imp_add>("add:");
 //   }
+//
+//   Tally* Tally::imp_init() {
+//       // [super init]: the lookup starts above Tally, the class defining this.
+//       auto* self = static_cast<Tally*>(objc::superSend<id>(this, objc::sel<"init">()));
+//       if (self != nullptr) self->count_ = 1;
+//       return self;
+//   }
+//
+// Properties: property<&T::member_>(name, options) adds the getter and the
+// setter (setName:) and declares the property with the platform's attribute
+// string ("T@\"NSString\",C,V_name"). A setter that must do more than store
+// (lay out, notify) stays hand-written, registered with method<>.
+//
+// Raw sends: call the typed wrapper (tally->add(2)). A raw objc::msgSend at
+// a call site means one of three things, and says which:
+//   - the class is known only by name:
+//       objc::Strong<objc_object> chat = objc::makeInstance("WAChat");
+//       objc::msgSend<void>(chat.get(), objc::sel<"reload">());
+//   - the receiver may be nil (a member call through a null pointer is
+//     undefined, a message to nil answers zero):
+//       objc::sendIfAny<void>(delegate_, objc::sel<"tallyDidChange:">(), this);
+//   - a class-object send:
+//       objc::msgSend<bool>(cls, objc::sel<"instancesRespondToSelector:">(), sel);
 #pragma once
 
 #include <objc/encoding.h>
 #include <objc/message.h>
+#include <objc/property_accessors.h>
 #include <objc/strong.h>
 
 #include <memory>
@@ -154,6 +197,13 @@ class ClassBuilder {
         class_replaceMethod(meta_, sel_registerName(selector), Thunk::imp(), Thunk::types());
         return *this;
     }
+    // A declared property over a member, with its getter and (unless
+    // Readonly) its setter; see PropertyOptions for the options.
+    template <auto Member>
+    ClassBuilder& property(const char* name, PropertyOptions options = {}) {
+        detail::defineProperty<T, Member>(cls_, name, options);
+        return *this;
+    }
     // An instance variable readable by key-value coding and object_getIvar.
     template <auto Member>
     ClassBuilder& ivar(const char* name) {
@@ -203,21 +253,28 @@ Class defineRootClass(const char* name) {
 }  // namespace objc
 
 // Declares the runtime class of a C++ class.
-#define OBJC_CLASS(T)                                         \
-  public:                                                     \
-    static Class objcClass() noexcept;                        \
-    static void objcDefine(::objc::ClassBuilder<T>& builder); \
-                                                              \
+#define OBJC_CLASS(T)                                             \
+  public:                                                         \
+    static Class objcClass() noexcept;                            \
+    [[maybe_unused]] static const char* objcClassName() noexcept; \
+    static void objcDefine(::objc::ClassBuilder<T>& builder);     \
+                                                                  \
   public:
 
 // Defines it in one translation unit; the class is created on first use.
 #define OBJC_DEFINE_CLASS(T, Super, Name)                                     \
+    const char* T::objcClassName() noexcept {                                 \
+        return Name;                                                          \
+    }                                                                         \
     Class T::objcClass() noexcept {                                           \
         static const Class cls = ::objc::detail::defineClass<T, Super>(Name); \
         return cls;                                                           \
     }
 
 #define OBJC_DEFINE_ROOT_CLASS(T, Name)                                    \
+    const char* T::objcClassName() noexcept {                              \
+        return Name;                                                       \
+    }                                                                      \
     Class T::objcClass() noexcept {                                        \
         static const Class cls = ::objc::detail::defineRootClass<T>(Name); \
         return cls;                                                        \

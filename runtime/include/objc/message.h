@@ -11,15 +11,6 @@ namespace objc {
 
 namespace detail {
 
-// A selector name usable as a template argument: sel<"add:">().
-template <std::size_t N>
-struct SelectorName {
-    char text[N]{};
-    constexpr SelectorName(const char (&s)[N]) {  // NOLINT: implicit by design
-        for (std::size_t i = 0; i < N; ++i) text[i] = s[i];
-    }
-};
-
 // One cache slot. A filled slot keeps its selector and method for the life of
 // the table; only the implementation is updated in place, so a reader that
 // matched the selector always reads an implementation of that method.
@@ -100,9 +91,9 @@ constexpr void checkArguments() {
 }  // namespace detail
 
 // An interned selector, looked up once per name.
-template <detail::SelectorName Name>
+template <FixedString Name>
 inline SEL sel() {
-    static const SEL s = sel_registerName(Name.text);
+    static const SEL s = sel_registerName(Name.c_str());
     return s;
 }
 
@@ -125,8 +116,8 @@ inline R msgSend(id self, SEL sel, A... args) {
                                                                        detail::Passed<A>(args)...);
 }
 
-// Sends a message to self, starting the lookup at the given class (the
-// caller's superclass), as [super ...] does.
+// Sends a message to self, starting the lookup at the given class. Super
+// sends go through superSend below; this is for a class known only by name.
 template <class R = void, class... A>
 inline R msgSendSuper(Class start, id self, SEL sel, A... args) {
     detail::checkArguments<A...>();
@@ -141,6 +132,24 @@ inline R msgSendSuper(Class start, id self, SEL sel, A... args) {
     }
     return reinterpret_cast<R (*)(id, SEL, detail::Passed<A>...)>(imp)(self, sel,
                                                                        detail::Passed<A>(args)...);
+}
+
+// [super ...] in a method that class Defining defines: the lookup starts at
+// Defining's superclass, whatever the receiver's class is. Defining is
+// deduced from self, so `objc::superSend<void>(this, sel)` in a member
+// implementation names the defining class without spelling it.
+template <class R = void, class Defining, class... A>
+inline R superSend(Defining* self, SEL sel, A... args) {
+    static const Class start = class_getSuperclass(Defining::objcClass());
+    return msgSendSuper<R>(start, self, sel, args...);
+}
+
+// A send whose receiver may be nil, where that is expected: nil answers the
+// zero value and nothing runs. A typed wrapper cannot be called on nil (a
+// member call through a null pointer is undefined), so this names the case.
+template <class R = void, class... A>
+inline R sendIfAny(id maybeNil, SEL sel, A... args) {
+    return msgSend<R>(maybeNil, sel, args...);
 }
 
 // Calls an implementation directly, as a hook calls the one it replaced.

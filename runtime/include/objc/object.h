@@ -61,6 +61,12 @@ Strong<T> make() {
     return Strong<T>::adopt(static_cast<T*>(msgSend<id>(obj, sel<"init">())));
 }
 
+// [[NSClassFromString(name) alloc] init], owned by the caller: an instance of
+// a class known only by name. nil when no class has that name.
+PV_EXPORT Strong<objc_object> makeInstance(const char* className);
+// The same for a class already looked up; nil for a nil class.
+PV_EXPORT Strong<objc_object> makeInstance(Class cls);
+
 // [cls alloc]: an uninitialised instance, owned by the caller.
 template <class T>
 T* alloc() {

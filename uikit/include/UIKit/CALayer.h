@@ -29,15 +29,6 @@ class PV_EXPORT CALayer : public NSObject {
     CALayer() = default;
 
   private:
-    CGFloat imp_cornerRadius() const { return cornerRadius_; }
-    void imp_setCornerRadius(CGFloat radius) { cornerRadius_ = radius; }
-    bool imp_masksToBounds() const { return masksToBounds_; }
-    void imp_setMasksToBounds(bool masks) { masksToBounds_ = masks; }
-    CGFloat imp_borderWidth() const { return borderWidth_; }
-    void imp_setBorderWidth(CGFloat width) { borderWidth_ = width; }
-    float imp_opacity() const { return opacity_; }
-    void imp_setOpacity(float opacity) { opacity_ = opacity; }
-
     CGFloat cornerRadius_ = 0;
     bool masksToBounds_ = false;
     CGFloat borderWidth_ = 0;

@@ -83,12 +83,6 @@ class PV_EXPORT UIControl : public UIView {
     void imp_removeTargetActionForControlEvents(id target, SEL action, UIControlEvents events);
     void imp_sendActionsForControlEvents(UIControlEvents events);
     UIControlEvents imp_allControlEvents() const;
-    bool imp_isEnabled() const { return enabled_; }
-    void imp_setEnabled(bool enabled) { enabled_ = enabled; }
-    bool imp_isSelected() const { return selected_; }
-    void imp_setSelected(bool selected) { selected_ = selected; }
-    bool imp_isHighlighted() const { return highlighted_; }
-    void imp_setHighlighted(bool highlighted) { highlighted_ = highlighted; }
 
     std::vector<Registration> registrations_;
     bool enabled_ = true;

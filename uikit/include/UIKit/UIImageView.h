@@ -24,8 +24,6 @@ class PV_EXPORT UIImageView : public UIView {
 
   private:
     UIImageView* imp_initWithImage(UIImage* image);
-    UIImage* imp_image() const { return image_.get(); }
-    void imp_setImage(UIImage* image) { image_ = objc::retained(image); }
 
     objc::Strong<UIImage> image_;
 };

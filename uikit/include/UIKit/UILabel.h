@@ -40,13 +40,6 @@ class PV_EXPORT UILabel : public UIView {
     UILabel() = default;
 
   private:
-    NSString* imp_text() const { return text_.get(); }
-    void imp_setText(NSString* text);
-    NSTextAlignment imp_textAlignment() const { return alignment_; }
-    void imp_setTextAlignment(NSTextAlignment alignment) { alignment_ = alignment; }
-    NSInteger imp_numberOfLines() const { return lines_; }
-    void imp_setNumberOfLines(NSInteger lines) { lines_ = lines; }
-
     objc::Strong<NSString> text_;
     NSTextAlignment alignment_ = NSTextAlignmentNatural;
     NSInteger lines_ = 1;

@@ -85,10 +85,6 @@ class PV_EXPORT UIPopoverController : public NSObject {
     UIPopoverController* imp_initWithContentViewController(UIViewController* content);
     UIViewController* imp_contentViewController() const { return content_.get(); }
     void imp_setContentViewController(UIViewController* content);
-    id imp_delegate() const { return delegate_; }
-    void imp_setDelegate(id delegate) { delegate_ = delegate; }
-    CGSize imp_popoverContentSize() const { return contentSize_; }
-    void imp_setPopoverContentSize(CGSize size) { contentSize_ = size; }
     void imp_presentPopoverFromRect(CGRect rect, UIView* view, UIPopoverArrowDirection arrows,
                                     bool animated);
     bool imp_isPopoverVisible() const { return visible_; }

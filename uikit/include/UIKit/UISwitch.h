@@ -28,8 +28,6 @@ class PV_EXPORT UISwitch : public UIControl {
 
   private:
     UISwitch* imp_initWithFrame(CGRect frame);
-    bool imp_isOn() const { return on_; }
-    void imp_setOn(bool on) { on_ = on; }
     void imp_setOnAnimated(bool on, bool animated);
     bool imp_userToggle();
 

@@ -98,10 +98,6 @@ class PV_EXPORT UIView : public UIResponder {
     UIView* imp_initWithFrame(CGRect frame);
     CGRect imp_frame() const;
     void imp_setFrame(CGRect frame);
-    CGRect imp_bounds() const { return bounds_; }
-    void imp_setBounds(CGRect bounds) { bounds_ = bounds; }
-    CGPoint imp_center() const { return center_; }
-    void imp_setCenter(CGPoint center) { center_ = center; }
     NSArray* imp_subviews() const;
     UIView* imp_superview() const { return superview_; }
     void imp_addSubview(UIView* view);
@@ -110,14 +106,8 @@ class PV_EXPORT UIView : public UIResponder {
     void imp_removeFromSuperview();
     UIWindow* imp_window();
     bool imp_isDescendantOfView(UIView* view);
-    bool imp_isHidden() const { return hidden_; }
-    void imp_setHidden(bool hidden) { hidden_ = hidden; }
-    NSInteger imp_tag() const { return tag_; }
-    void imp_setTag(NSInteger tag) { tag_ = tag; }
     UIView* imp_viewWithTag(NSInteger tag);
     CALayer* imp_layer();
-    UIAccessibilityTraits imp_accessibilityTraits() const { return accessibilityTraits_; }
-    void imp_setAccessibilityTraits(UIAccessibilityTraits traits) { accessibilityTraits_ = traits; }
     UIResponder* imp_nextResponder();
 
     // Takes the view out of its superview's list without messages.
