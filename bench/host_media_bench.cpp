@@ -1,7 +1,7 @@
 // Sending a large document: a handed-over Inbox file should cost a rename
 // and a row, a copy from outside about what `cp` costs, in time and, for a
 // sparse file, in disk.
-#include <Host/ChatStore.h>
+#include <Host/chat_store.h>
 #include <Host/WADocumentAttachment.h>
 
 #include <Foundation/NSURL.h>

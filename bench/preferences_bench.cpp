@@ -5,7 +5,7 @@
 
 #include <Foundation/NSNumber.h>
 #include <Foundation/NSUserDefaults.h>
-#include <Foundation/ProcessEnvironment.h>
+#include <Foundation/process_environment.h>
 
 #include <stdlib.h>
 

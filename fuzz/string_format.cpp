@@ -1,7 +1,7 @@
 // Format strings, as stringWithFormat: and NSLog take them, over arguments of
 // every kind (extreme integers among them, for '*' widths and precisions).
 #include <Foundation/NSNumber.h>
-#include <Foundation/StringFormat.h>
+#include <Foundation/string_format.h>
 
 #include <climits>
 

@@ -1,5 +1,5 @@
 // .strings tables: text in any of their encodings, or compiled property lists.
-#include <Foundation/StringsTable.h>
+#include <Foundation/strings_table.h>
 
 #include "fuzz_input.h"
 

@@ -7,9 +7,9 @@
 #include <Foundation/NSArray.h>
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSLog.h>
-#include <Foundation/ProcessEnvironment.h>
-#include <Foundation/StringFormat.h>
-#include <Foundation/StringsTable.h>
+#include <Foundation/process_environment.h>
+#include <Foundation/string_format.h>
+#include <Foundation/strings_table.h>
 
 #include <objc/image.h>
 

@@ -1,6 +1,6 @@
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSError.h>
-#include <Foundation/StringFormat.h>
+#include <Foundation/string_format.h>
 
 #include <objc/image.h>
 

@@ -9,7 +9,7 @@
 #include <Foundation/NSData.h>
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSNumber.h>
-#include <Foundation/ProcessEnvironment.h>
+#include <Foundation/process_environment.h>
 
 #include <objc/image.h>
 

@@ -1,6 +1,6 @@
 #include <Foundation/NSArray.h>
 #include <Foundation/NSPathUtilities.h>
-#include <Foundation/ProcessEnvironment.h>
+#include <Foundation/process_environment.h>
 
 #include <sys/stat.h>
 

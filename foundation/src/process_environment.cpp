@@ -1,4 +1,4 @@
-#include <Foundation/ProcessEnvironment.h>
+#include <Foundation/process_environment.h>
 
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-#include <Foundation/StringsTable.h>
+#include <Foundation/strings_table.h>
 
 #include <objc/string.h>
 

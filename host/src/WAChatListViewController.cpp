@@ -1,6 +1,6 @@
 #include <Host/WAChatListViewController.h>
 
-#include <Host/HostStrings.h>
+#include <Host/host_strings.h>
 
 #include <UIKit/UINavigationController.h>
 

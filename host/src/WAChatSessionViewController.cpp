@@ -1,7 +1,7 @@
 #include <Host/WAChatSessionViewController.h>
 
-#include <Host/DocumentTypes.h>
-#include <Host/HostStrings.h>
+#include <Host/document_types.h>
+#include <Host/host_strings.h>
 
 #include <Foundation/NSArray.h>
 #include <Foundation/NSPathUtilities.h>

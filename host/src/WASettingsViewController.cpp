@@ -1,6 +1,6 @@
 #include <Host/WASettingsViewController.h>
 
-#include <Host/HostStrings.h>
+#include <Host/host_strings.h>
 
 #include <Foundation/NSArray.h>
 #include <Foundation/NSUserDefaults.h>

@@ -1,21 +1,21 @@
 // The messenger: the host app on a simulated device, with the libraries named
 // on the command line loaded before it builds any screen.
-#include "App.h"
-#include "CommandLoop.h"
-#include "Commands.h"
-#include "Container.h"
-#include "DescribeClass.h"
-#include "Injection.h"
-#include "Options.h"
-#include "ScreenRenderer.h"
-#include "TerminalText.h"
+#include "app.h"
+#include "command_loop.h"
+#include "commands.h"
+#include "container.h"
+#include "describe_class.h"
+#include "injection.h"
+#include "options.h"
+#include "screen_renderer.h"
+#include "terminal_text.h"
 
 #include <Foundation/NSRunLoop.h>
 #include <Foundation/NSThread.h>
 #include <Foundation/NSUserDefaults.h>
-#include <Foundation/ProcessEnvironment.h>
+#include <Foundation/process_environment.h>
 
-#include <UIKit/DeviceProfile.h>
+#include <UIKit/device_profile.h>
 
 #include <objc/exception.h>
 #include <objc/strong.h>

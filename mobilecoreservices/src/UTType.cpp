@@ -1,7 +1,7 @@
 #include <MobileCoreServices/UTType.h>
 
-#include "DynamicIdentifier.h"
-#include "TypeRegistry.h"
+#include "dynamic_identifier.h"
+#include "type_registry.h"
 
 #include <objc/strong.h>
 

@@ -7,7 +7,7 @@
 
 #include <Foundation/NSBundle.h>
 #include <Foundation/NSURL.h>
-#include <Foundation/StringFormat.h>
+#include <Foundation/string_format.h>
 #include <MobileCoreServices/UTType.h>
 #include <UIKit/UIViewController.h>
 

@@ -4,7 +4,7 @@
 
 #include <Foundation/NSData.h>
 #include <Foundation/NSURL.h>
-#include <Foundation/StringFormat.h>
+#include <Foundation/string_format.h>
 #include <Foundation/dispatch.h>
 #include <UIKit/UIImage.h>
 #include <UIKit/UIImageView.h>

@@ -3,7 +3,7 @@
 // always shown them, rounding quirks included.
 #include "support/ParcelvaneHelper.h"
 
-#include <Foundation/StringFormat.h>
+#include <Foundation/string_format.h>
 
 #include <array>
 #include <cmath>

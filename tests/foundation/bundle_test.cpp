@@ -8,7 +8,7 @@
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSNumber.h>
 #include <Foundation/NSPropertyListSerialization.h>
-#include <Foundation/ProcessEnvironment.h>
+#include <Foundation/process_environment.h>
 
 #include <thread>
 #include <vector>

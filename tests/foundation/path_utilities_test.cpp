@@ -3,7 +3,7 @@
 
 #include <Foundation/NSArray.h>
 #include <Foundation/NSPathUtilities.h>
-#include <Foundation/ProcessEnvironment.h>
+#include <Foundation/process_environment.h>
 
 #include <filesystem>
 

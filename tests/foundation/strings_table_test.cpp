@@ -2,7 +2,7 @@
 // guarantee that malformed files give no entries instead of crashing.
 #include <gtest/gtest.h>
 
-#include <Foundation/StringsTable.h>
+#include <Foundation/strings_table.h>
 
 #include <random>
 #include <string>

@@ -4,7 +4,7 @@
 
 #include <Foundation/NSData.h>
 #include <Foundation/NSURL.h>
-#include <Foundation/URLDownload.h>
+#include <Foundation/url_download.h>
 
 #include <gtest/gtest.h>
 

@@ -10,7 +10,7 @@
 #include <Foundation/NSMutableString.h>
 #include <Foundation/NSNumber.h>
 #include <Foundation/NSUserDefaults.h>
-#include <Foundation/ProcessEnvironment.h>
+#include <Foundation/process_environment.h>
 
 #include <filesystem>
 

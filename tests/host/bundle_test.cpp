@@ -1,9 +1,9 @@
 #include "host_fixture.h"
 
-#include <Host/DocumentTypes.h>
-#include <Host/HostStrings.h>
+#include <Host/document_types.h>
+#include <Host/host_strings.h>
 
-#include <Foundation/StringsTable.h>
+#include <Foundation/strings_table.h>
 
 #include <algorithm>
 #include <sstream>

@@ -1,6 +1,6 @@
 #include "host_fixture.h"
 
-#include <Host/DocumentTypes.h>
+#include <Host/document_types.h>
 #include <Host/WAChatSessionViewController.h>
 
 #include <Foundation/NSArray.h>

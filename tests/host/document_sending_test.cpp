@@ -5,7 +5,7 @@
 // migrated from its first version, read-only.
 #include "host_fixture.h"
 
-#include <Host/MediaCopy.h>
+#include <Host/media_copy.h>
 #include <Host/WAChatSessionViewController.h>
 #include <Host/WADocumentAttachment.h>
 

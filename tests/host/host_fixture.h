@@ -4,10 +4,10 @@
 
 #include "scratch_folder.h"
 
-#include <Host/ChatStore.h>
+#include <Host/chat_store.h>
 
 #include <Foundation/NSRunLoop.h>
-#include <Foundation/ProcessEnvironment.h>
+#include <Foundation/process_environment.h>
 
 #include <UIKit/UIKit.h>
 

@@ -4,14 +4,14 @@
 // with the library loaded into it as the messenger loads it.
 #include "messenger_process.h"
 
-#include <Host/ChatStore.h>
+#include <Host/chat_store.h>
 #include <Host/WAChatSessionViewController.h>
 
 #include <TolbrennDevTools/ParcelvaneFileBrowserViewController.h>
 
 #include <Foundation/NSRunLoop.h>
 #include <Foundation/NSUserDefaults.h>
-#include <Foundation/ProcessEnvironment.h>
+#include <Foundation/process_environment.h>
 
 #include <UIKit/UIKit.h>
 

@@ -2,7 +2,7 @@
 // directory precedence, aliases and subclasses, and bad input.
 #include <gtest/gtest.h>
 
-#include "SharedMimeDatabase.h"
+#include "shared_mime_database.h"
 
 #include <filesystem>
 #include <fstream>

@@ -2,7 +2,7 @@
 // agree with a byte-by-byte reading at every length and for every byte.
 #include <gtest/gtest.h>
 
-#include "StringKeys.h"
+#include "string_keys.h"
 
 #include <random>
 #include <string>

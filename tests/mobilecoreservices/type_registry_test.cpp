@@ -2,9 +2,9 @@
 // answers do not depend on this machine; and the dynamic identifiers' text.
 #include <gtest/gtest.h>
 
-#include "DynamicIdentifier.h"
-#include "SharedMimeDatabase.h"
-#include "TypeRegistry.h"
+#include "dynamic_identifier.h"
+#include "shared_mime_database.h"
+#include "type_registry.h"
 
 #include <filesystem>
 #include <fstream>

@@ -11,7 +11,7 @@
 #include <Foundation/NSArray.h>
 #include <Foundation/NSBundle.h>
 #include <Foundation/NSRunLoop.h>
-#include <UIKit/DeviceProfile.h>
+#include <UIKit/device_profile.h>
 #include <UIKit/UIDocumentMenuViewController.h>
 
 #include <objc/message.h>

@@ -10,7 +10,7 @@
 #include <Foundation/NSArray.h>
 #include <Foundation/NSBundle.h>
 #include <Foundation/NSUserDefaults.h>
-#include <Foundation/ProcessEnvironment.h>
+#include <Foundation/process_environment.h>
 #include <TolbrennDevTools/ParcelvaneFileBrowserViewController.h>
 #include <UIKit/UIAlertView.h>
 #include <UIKit/UINavigationController.h>

@@ -6,7 +6,7 @@
 #include "support/ParcelvaneHelper.h"
 
 #include <Foundation/NSBundle.h>
-#include <UIKit/DeviceProfile.h>
+#include <UIKit/device_profile.h>
 
 #include <fstream>
 #include <string>

@@ -5,7 +5,7 @@
 #include "scratch_folder.h"
 
 #include <Foundation/NSUserDefaults.h>
-#include <Foundation/ProcessEnvironment.h>
+#include <Foundation/process_environment.h>
 
 namespace testsupport {
 

@@ -4,7 +4,7 @@
 
 #include <Foundation/NSArray.h>
 #include <Foundation/NSURL.h>
-#include <Foundation/ProcessEnvironment.h>
+#include <Foundation/process_environment.h>
 
 #include <objc/image.h>
 

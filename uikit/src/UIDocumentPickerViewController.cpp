@@ -1,6 +1,6 @@
 #include <UIKit/UIDocumentPickerViewController.h>
 
-#include <UIKit/DeviceProfile.h>
+#include <UIKit/device_profile.h>
 #include <UIKit/UIPopoverController.h>
 
 #include <Foundation/NSArray.h>

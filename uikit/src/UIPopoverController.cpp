@@ -1,6 +1,6 @@
 #include <UIKit/UIPopoverController.h>
 
-#include <UIKit/DeviceProfile.h>
+#include <UIKit/device_profile.h>
 #include <UIKit/UIWindow.h>
 
 #include <Foundation/dispatch.h>

@@ -1,6 +1,6 @@
 #include <UIKit/UITableViewCell.h>
 
-#include <UIKit/DeviceProfile.h>
+#include <UIKit/device_profile.h>
 
 #include <objc/image.h>
 

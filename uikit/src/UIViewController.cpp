@@ -1,6 +1,6 @@
 #include <UIKit/UIViewController.h>
 
-#include <UIKit/DeviceProfile.h>
+#include <UIKit/device_profile.h>
 #include <UIKit/UINavigationController.h>
 #include <UIKit/UIScreen.h>
 #include <UIKit/UIWindow.h>

@@ -1,7 +1,7 @@
 // Text that changes in place. Not thread-safe, as on the platform.
 #pragma once
 
-#include <Foundation/StringFormat.h>
+#include <Foundation/string_format.h>
 #include <objc/string.h>
 
 class PV_EXPORT NSMutableString : public NSString {

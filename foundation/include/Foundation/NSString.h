@@ -5,5 +5,5 @@
 
 #include <Foundation/NSCharacterSet.h>
 #include <Foundation/NSMutableString.h>
-#include <Foundation/StringFormat.h>
+#include <Foundation/string_format.h>
 #include <objc/string.h>

@@ -1,7 +1,7 @@
 // The list of chats; opening one pushes its chat screen.
 #pragma once
 
-#include <Host/ChatStore.h>
+#include <Host/chat_store.h>
 #include <Host/WAChatSessionViewController.h>
 
 #include <UIKit/UIViewController.h>

@@ -7,7 +7,7 @@
 // with the host's own document types.
 #pragma once
 
-#include <Host/ChatStore.h>
+#include <Host/chat_store.h>
 #include <Host/WAActionSheet.h>
 #include <Host/WADocumentAttachment.h>
 

@@ -6,8 +6,8 @@
 #include <objc/object.h>
 #include <objc/string.h>
 
-#include <Host/ChatStore.h>
-#include <Host/MediaCopy.h>
+#include <Host/chat_store.h>
+#include <Host/media_copy.h>
 
 #include <cstdint>
 #include <filesystem>

@@ -13,8 +13,8 @@
 #include <Foundation/NSArray.h>
 #include <Foundation/NSRunLoop.h>
 #include <Foundation/NSUserDefaults.h>
-#include <Foundation/ProcessEnvironment.h>
-#include <UIKit/DeviceProfile.h>
+#include <Foundation/process_environment.h>
+#include <UIKit/device_profile.h>
 #include <UIKit/UINavigationController.h>
 #include <UIKit/UITableViewCell.h>
 

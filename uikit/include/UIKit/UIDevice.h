@@ -1,7 +1,7 @@
 // The device the app runs on, as the current device profile describes it.
 #pragma once
 
-#include <UIKit/DeviceProfile.h>
+#include <UIKit/device_profile.h>
 
 #include <objc/object.h>
 #include <objc/string.h>

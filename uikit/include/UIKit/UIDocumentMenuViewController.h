@@ -8,7 +8,7 @@
 // the delegate, which presents the picker.
 #pragma once
 
-#include <UIKit/DocumentProvider.h>
+#include <UIKit/document_provider.h>
 #include <UIKit/UIViewController.h>
 
 #include <objc/block.h>

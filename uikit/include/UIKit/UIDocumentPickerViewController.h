@@ -10,7 +10,7 @@
 // first, then the delegate hears documentPicker:didPickDocumentAtURL:.
 #pragma once
 
-#include <UIKit/DocumentProvider.h>
+#include <UIKit/document_provider.h>
 #include <UIKit/UIDocumentMenuViewController.h>
 
 #include <cstddef>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <UIKit/CALayer.h>
-#include <UIKit/DeviceProfile.h>
+#include <UIKit/device_profile.h>
 #include <UIKit/UIAlertView.h>
 #include <UIKit/UIControl.h>
 #include <UIKit/UIDevice.h>

@@ -1,7 +1,7 @@
 // The device's screen, from the current device profile (portrait).
 #pragma once
 
-#include <UIKit/DeviceProfile.h>
+#include <UIKit/device_profile.h>
 
 #include <objc/geometry.h>
 #include <objc/object.h>
