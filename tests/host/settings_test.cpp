@@ -7,6 +7,8 @@
 #include <Foundation/NSNumber.h>
 #include <Foundation/NSUserDefaults.h>
 
+#include <objc/property.h>
+
 namespace {
 
 using hosttest::HostTest;
@@ -86,6 +88,10 @@ TEST_F(SettingsTest, RowsKeepACopyOfTheirHandler) {
     ASSERT_NE(row->handler(), nullptr);
     (*row->handler())();
     EXPECT_EQ(runs, 1);
+    EXPECT_STREQ(property_getAttributes(class_getProperty(WATableRow::objcClass(), "handler")),
+                 "T@?,C,N,V_handler");
+    EXPECT_STREQ(property_getAttributes(class_getProperty(WATableRow::objcClass(), "title")),
+                 "T@\"NSString\",C,N,V_title");
     auto section = WATableSection::create();
     section->addRow(row.get());
     section->addRow(nullptr);
