@@ -23,14 +23,10 @@ void C::objcDefine(objc::ClassBuilder<C>& b) {
     b.method<&C::imp_init>("init")
         .method<&C::imp_initWithPath>("initWithPath:")
         .method<&C::imp_path>("path")
-        .method<&C::imp_delegate>("delegate")
-        .method<&C::imp_setDelegate>("setDelegate:")
-        .method<&C::imp_didSelectFile>("didSelectFile")
-        .method<&C::imp_setDidSelectFile>("setDidSelectFile:")
-        .method<&C::imp_didLoadPath>("didLoadPath")
-        .method<&C::imp_setDidLoadPath>("setDidLoadPath:")
-        .method<&C::imp_cancelBlock>("cancelBlock")
-        .method<&C::imp_setCancelBlock>("setCancelBlock:")
+        .property<&C::delegate_>("delegate", objc::Nonatomic | objc::Weak)
+        .property<&C::didSelectFile_>("didSelectFile", objc::Copy | objc::Nonatomic)
+        .property<&C::didLoadPath_>("didLoadPath", objc::Copy | objc::Nonatomic)
+        .property<&C::cancelBlock_>("cancelBlock", objc::Copy | objc::Nonatomic)
         .method<&C::imp_reloadData>("reloadData")
         .method<&C::imp_openEntryAtIndex>("openEntryAtIndex:")
         .method<&C::imp_openPath>("openPath:")
@@ -53,11 +49,6 @@ std::string titleFor(const std::string& path) {
     return path.substr(path.find_last_of('/') + 1);
 }
 
-template <class Block>
-objc::Strong<Block> copied(Block* block) {
-    return objc::adopt(static_cast<Block*>(objc::msgSend<id>(block, objc::sel<"copy">())));
-}
-
 }  // namespace
 
 objc::Strong<C> C::create(NSString* path) {
@@ -78,18 +69,6 @@ C* C::imp_initWithPath(NSString* path) {
 
 NSString* C::imp_path() const {
     return objc::autorelease(NSString::create(path_).leak());
-}
-
-void C::imp_setDidSelectFile(PathBlock* block) {
-    didSelectFile_ = copied(block);
-}
-
-void C::imp_setDidLoadPath(PathBlock* block) {
-    didLoadPath_ = copied(block);
-}
-
-void C::imp_setCancelBlock(PathBlock* block) {
-    cancelBlock_ = copied(block);
 }
 
 const std::vector<C::Entry>& C::entries() {

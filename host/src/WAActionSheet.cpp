@@ -12,8 +12,7 @@ OBJC_REGISTER_CLASS(WAActionSheet)
 void WAActionSheet::objcDefine(objc::ClassBuilder<WAActionSheet>& b) {
     using C = WAActionSheet;
     b.method<&C::imp_initWithTitle>("initWithTitle:")
-        .method<&C::imp_title>("title")
-        .method<&C::imp_setTitle>("setTitle:")
+        .property<&C::title_>("title", objc::Copy | objc::Nonatomic)
         .method<&C::imp_addButtonWithTitle>("addButtonWithTitle:handler:")
         .method<&C::imp_addCancelButtonWithTitle>("addCancelButtonWithTitle:")
         .method<&C::imp_buttonTitles>("buttonTitles");
@@ -28,10 +27,6 @@ objc::Strong<NSString> copied(NSString* text) {
 WAActionSheet* WAActionSheet::imp_initWithTitle(NSString* title) {
     title_ = copied(title);
     return this;
-}
-
-void WAActionSheet::imp_setTitle(NSString* title) {
-    title_ = copied(title);
 }
 
 void WAActionSheet::imp_addButtonWithTitle(NSString* title, Handler* handler) {

@@ -20,10 +20,10 @@ OBJC_REGISTER_CLASS(WADocumentAttachment)
 void WADocumentAttachment::objcDefine(objc::ClassBuilder<WADocumentAttachment>& b) {
     using C = WADocumentAttachment;
     b.method<&C::imp_initWithFileURL>("initWithFileURL:transferFileOwnership:")
-        .method<&C::imp_fileURL>("fileURL")
-        .method<&C::imp_transfersFileOwnership>("transfersFileOwnership")
-        .method<&C::imp_fileName>("fileName")
-        .method<&C::imp_fileSize>("fileSize");
+        .property<&C::url_>("fileURL", objc::Readonly | objc::Nonatomic)
+        .property<&C::transfer_>("transfersFileOwnership", objc::Readonly | objc::Nonatomic)
+        .property<&C::name_>("fileName", objc::Readonly | objc::Nonatomic)
+        .property<&C::size_>("fileSize", objc::Readonly | objc::Nonatomic);
 }
 
 WADocumentAttachment* WADocumentAttachment::imp_initWithFileURL(NSURL* url,

@@ -9,26 +9,10 @@ OBJC_REGISTER_CLASS(WATableSection)
 
 void WATableSection::objcDefine(objc::ClassBuilder<WATableSection>& b) {
     using C = WATableSection;
-    b.method<&C::imp_headerText>("headerText")
-        .method<&C::imp_setHeaderText>("setHeaderText:")
-        .method<&C::imp_footerText>("footerText")
-        .method<&C::imp_setFooterText>("setFooterText:")
+    b.property<&C::header_>("headerText", objc::Copy | objc::Nonatomic)
+        .property<&C::footer_>("footerText", objc::Copy | objc::Nonatomic)
         .method<&C::imp_rows>("rows")
         .method<&C::imp_addRow>("addRow:");
-}
-
-namespace {
-objc::Strong<NSString> copied(NSString* text) {
-    return text != nullptr ? objc::adopt(static_cast<NSString*>(text->copy())) : nullptr;
-}
-}  // namespace
-
-void WATableSection::imp_setHeaderText(NSString* text) {
-    header_ = copied(text);
-}
-
-void WATableSection::imp_setFooterText(NSString* text) {
-    footer_ = copied(text);
 }
 
 NSArray* WATableSection::imp_rows() const {

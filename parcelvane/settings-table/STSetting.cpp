@@ -14,7 +14,7 @@ OBJC_REGISTER_CLASS(STSetting)
 void STSetting::objcDefine(objc::ClassBuilder<STSetting>& b) {
     b.classMethod<&STSetting::imp_settingWithKey>("settingWithKey:")
         .method<&STSetting::imp_initWithKey>("initWithKey:")
-        .method<&STSetting::imp_key>("key")
+        .property<&STSetting::key_>("key", objc::Readonly | objc::Nonatomic)
         .method<&STSetting::imp_value>("value")
         .method<&STSetting::imp_setValue>("setValue:")
         .method<&STSetting::imp_valueDidChangeBlock>("valueDidChangeBlock")

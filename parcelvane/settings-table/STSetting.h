@@ -45,7 +45,6 @@ class STSetting : public NSObject {
   private:
     static STSetting* imp_settingWithKey(Class cls, NSString* key);
     STSetting* imp_initWithKey(NSString* key);
-    NSString* imp_key() { return key_.get(); }
     id imp_value();
     void imp_setValue(id value);
     ChangeBlock* imp_valueDidChangeBlock() { return valueDidChangeBlock_.get(); }

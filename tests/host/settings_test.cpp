@@ -7,6 +7,8 @@
 #include <Foundation/NSNumber.h>
 #include <Foundation/NSUserDefaults.h>
 
+#include <objc/property.h>
+
 namespace {
 
 using testsupport::HostTest;
@@ -77,6 +79,23 @@ TEST_F(SettingsTest, LeavingTheStackReleasesTheRowsAndReturningRebuildsThem) {
     stack->pushViewController(pushed.get(), false);
     pushed->view();
     EXPECT_EQ(pushed->sectionList().size(), 3u);
+}
+
+TEST_F(SettingsTest, RowsKeepACopyOfTheirHandler) {
+    auto row = WATableRow::create();
+    int runs = 0;
+    row->setHandler(objc::makeBlock<void()>([&] { ++runs; }).get());  // the block goes here
+    ASSERT_NE(row->handler(), nullptr);
+    (*row->handler())();
+    EXPECT_EQ(runs, 1);
+    EXPECT_STREQ(property_getAttributes(class_getProperty(WATableRow::objcClass(), "handler")),
+                 "T@?,C,N,V_handler");
+    EXPECT_STREQ(property_getAttributes(class_getProperty(WATableRow::objcClass(), "title")),
+                 "T@\"NSString\",C,N,V_title");
+    auto section = WATableSection::create();
+    section->addRow(row.get());
+    section->addRow(nullptr);
+    EXPECT_EQ(section->rows()->count(), 1u);
 }
 
 TEST_F(SettingsTest, TheDebugScreenShowsTheVersionAndTheDefaults) {

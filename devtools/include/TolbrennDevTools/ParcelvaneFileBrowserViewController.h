@@ -122,14 +122,6 @@ class PV_EXPORT ParcelvaneFileBrowserViewController : public UIViewController {
     ParcelvaneFileBrowserViewController* imp_init();
     ParcelvaneFileBrowserViewController* imp_initWithPath(NSString* path);
     NSString* imp_path() const;
-    id imp_delegate() const { return delegate_; }
-    void imp_setDelegate(id delegate) { delegate_ = delegate; }
-    PathBlock* imp_didSelectFile() const { return didSelectFile_.get(); }
-    void imp_setDidSelectFile(PathBlock* block);
-    PathBlock* imp_didLoadPath() const { return didLoadPath_.get(); }
-    void imp_setDidLoadPath(PathBlock* block);
-    PathBlock* imp_cancelBlock() const { return cancelBlock_.get(); }
-    void imp_setCancelBlock(PathBlock* block);
     bool imp_reloadData();
     bool imp_openEntryAtIndex(NSUInteger index);
     bool imp_openPath(NSString* path);

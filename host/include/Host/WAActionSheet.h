@@ -54,8 +54,6 @@ class WAActionSheet : public NSObject {
 
   private:
     WAActionSheet* imp_initWithTitle(NSString* title);
-    NSString* imp_title() const { return title_.get(); }
-    void imp_setTitle(NSString* title);
     void imp_addButtonWithTitle(NSString* title, Handler* handler);
     void imp_addCancelButtonWithTitle(NSString* title);
     NSArray* imp_buttonTitles() const;

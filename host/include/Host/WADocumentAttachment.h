@@ -47,10 +47,6 @@ class WADocumentAttachment : public NSObject {
 
   private:
     WADocumentAttachment* imp_initWithFileURL(NSURL* url, bool transferOwnership);
-    NSURL* imp_fileURL() const { return url_.get(); }
-    bool imp_transfersFileOwnership() const { return transfer_; }
-    NSString* imp_fileName() const { return name_.get(); }
-    unsigned long long imp_fileSize() const { return size_; }
 
     objc::Strong<NSURL> url_;
     objc::Strong<NSString> name_;

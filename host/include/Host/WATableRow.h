@@ -35,15 +35,6 @@ class WATableRow : public NSObject {
     WATableRow() = default;
 
   private:
-    Handler* imp_handler() const { return handler_.get(); }
-    void imp_setHandler(Handler* handler);
-    id imp_cell() const { return cell_.get(); }
-    void imp_setCell(id cell) { cell_ = objc::retained(cell); }
-    NSString* imp_title() const { return title_.get(); }
-    void imp_setTitle(NSString* title);
-    NSString* imp_detailText() const { return detail_.get(); }
-    void imp_setDetailText(NSString* text);
-
     objc::Strong<Handler> handler_;
     objc::Strong<objc_object> cell_;
     objc::Strong<NSString> title_;

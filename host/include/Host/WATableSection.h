@@ -32,10 +32,6 @@ class WATableSection : public NSObject {
     WATableSection() = default;
 
   private:
-    NSString* imp_headerText() const { return header_.get(); }
-    void imp_setHeaderText(NSString* text);
-    NSString* imp_footerText() const { return footer_.get(); }
-    void imp_setFooterText(NSString* text);
     NSArray* imp_rows() const;
     void imp_addRow(WATableRow* row);
 
