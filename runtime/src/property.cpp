@@ -81,7 +81,7 @@ std::mutex& propertyLock(const void* slot) noexcept {
 }
 
 void badPropertyOptions(Class cls, const char* name, const char* why) {
-    objc::raise(objc::kInvalidArgumentException,
+    objc::raise(objc::exception_name::InvalidArgument,
                 std::string("property ") + class_getName(cls) + "." + name + ": " + why);
 }
 
