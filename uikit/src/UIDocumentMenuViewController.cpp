@@ -14,11 +14,10 @@ OBJC_REGISTER_CLASS(UIDocumentMenuViewController)
 void UIDocumentMenuViewController::objcDefine(objc::ClassBuilder<UIDocumentMenuViewController>& b) {
     using C = UIDocumentMenuViewController;
     b.method<&C::imp_initWithDocumentTypesInMode>("initWithDocumentTypes:inMode:")
-        .method<&C::imp_delegate>("delegate")
-        .method<&C::imp_setDelegate>("setDelegate:")
+        .property<&C::delegate_>("delegate", objc::Weak | objc::Nonatomic)
         .method<&C::imp_addOptionWithTitle>("addOptionWithTitle:image:order:handler:")
-        .method<&C::imp_documentTypes>("documentTypes")
-        .method<&C::imp_documentPickerMode>("documentPickerMode");
+        .property<&C::types_>("documentTypes", objc::Readonly | objc::Nonatomic)
+        .property<&C::mode_>("documentPickerMode", objc::Readonly | objc::Nonatomic);
 }
 
 UIDocumentMenuViewController* UIDocumentMenuViewController::imp_initWithDocumentTypesInMode(

@@ -58,9 +58,8 @@ void UIDocumentPickerViewController::objcDefine(
     objc::ClassBuilder<UIDocumentPickerViewController>& b) {
     using C = UIDocumentPickerViewController;
     b.method<&C::imp_initWithDocumentTypesInMode>("initWithDocumentTypes:inMode:")
-        .method<&C::imp_delegate>("delegate")
-        .method<&C::imp_setDelegate>("setDelegate:")
-        .method<&C::imp_documentPickerMode>("documentPickerMode");
+        .property<&C::delegate_>("delegate", objc::Weak | objc::Nonatomic)
+        .property<&C::mode_>("documentPickerMode", objc::Readonly | objc::Nonatomic);
 }
 
 UIDocumentPickerViewController* UIDocumentPickerViewController::imp_initWithDocumentTypesInMode(
