@@ -40,8 +40,7 @@ objc::Strong<NSString> copied(NSString* text) {
 }
 
 bool responds(id object, SEL sel) {
-    return object != nullptr &&
-           objc::msgSend<bool>(object, objc::sel<"respondsToSelector:">(), sel);
+    return objc::sendIfAny<bool>(object, objc::sel<"respondsToSelector:">(), sel);
 }
 
 }  // namespace

@@ -102,8 +102,7 @@ bool UIDocumentMenuViewController::chooseProvider(std::size_t index) {
     auto after = objc::makeBlock<void()>([self, picker] {
         const id delegate = self->delegate();
         const SEL didPick = objc::sel<"documentMenu:didPickDocumentPicker:">();
-        if (delegate != nullptr &&
-            objc::msgSend<bool>(delegate, objc::sel<"respondsToSelector:">(), didPick)) {
+        if (objc::sendIfAny<bool>(delegate, objc::sel<"respondsToSelector:">(), didPick)) {
             objc::msgSend<void>(delegate, didPick, self.get(), picker.get());
         }
     });
@@ -116,8 +115,7 @@ void UIDocumentMenuViewController::cancel() {
     auto after = objc::makeBlock<void()>([self] {
         const id delegate = self->delegate();
         const SEL cancelled = objc::sel<"documentMenuWasCancelled:">();
-        if (delegate != nullptr &&
-            objc::msgSend<bool>(delegate, objc::sel<"respondsToSelector:">(), cancelled)) {
+        if (objc::sendIfAny<bool>(delegate, objc::sel<"respondsToSelector:">(), cancelled)) {
             objc::msgSend<void>(delegate, cancelled, self.get());
         }
     });

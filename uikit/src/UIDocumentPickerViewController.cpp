@@ -185,8 +185,7 @@ bool UIDocumentPickerViewController::pickFileAtIndex(std::size_t index) {
     auto after = objc::makeBlock<void()>([self, url] {
         const id delegate = self->delegate();
         const SEL didPick = objc::sel<"documentPicker:didPickDocumentAtURL:">();
-        if (delegate != nullptr &&
-            objc::msgSend<bool>(delegate, objc::sel<"respondsToSelector:">(), didPick)) {
+        if (objc::sendIfAny<bool>(delegate, objc::sel<"respondsToSelector:">(), didPick)) {
             objc::msgSend<void>(delegate, didPick, self.get(), url.get());
         }
     });
@@ -199,8 +198,7 @@ void UIDocumentPickerViewController::cancel() {
     auto after = objc::makeBlock<void()>([self] {
         const id delegate = self->delegate();
         const SEL cancelled = objc::sel<"documentPickerWasCancelled:">();
-        if (delegate != nullptr &&
-            objc::msgSend<bool>(delegate, objc::sel<"respondsToSelector:">(), cancelled)) {
+        if (objc::sendIfAny<bool>(delegate, objc::sel<"respondsToSelector:">(), cancelled)) {
             objc::msgSend<void>(delegate, cancelled, self.get());
         }
     });

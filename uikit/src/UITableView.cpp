@@ -38,7 +38,7 @@ using objc::msgSend;
 using objc::sel;
 
 bool responds(id object, SEL selector) {
-    return object != nullptr && msgSend<bool>(object, sel<"respondsToSelector:">(), selector);
+    return objc::sendIfAny<bool>(object, sel<"respondsToSelector:">(), selector);
 }
 
 NSIndexPath* pathFor(NSInteger section, NSInteger row) {
