@@ -71,7 +71,8 @@ void NSDate::objcDefine(objc::ClassBuilder<NSDate>& b) {
             "initWithTimeIntervalSinceReferenceDate:")
         .method<&NSDate::imp_initWithTimeIntervalSinceDate>("initWithTimeInterval:sinceDate:")
         .method<&NSDate::imp_timeIntervalSince1970>("timeIntervalSince1970")
-        .method<&NSDate::imp_timeIntervalSinceReferenceDate>("timeIntervalSinceReferenceDate")
+        .property<&NSDate::interval_>("timeIntervalSinceReferenceDate",
+                                      objc::Readonly | objc::Nonatomic)
         .method<&NSDate::imp_timeIntervalSinceNow>("timeIntervalSinceNow")
         .method<&NSDate::imp_timeIntervalSinceDate>("timeIntervalSinceDate:")
         .method<&NSDate::imp_dateByAddingTimeInterval>("dateByAddingTimeInterval:")

@@ -39,7 +39,7 @@ void NSDictionary::objcDefine(objc::ClassBuilder<NSDictionary>& b) {
         .classMethod<&NSDictionary::imp_dictionaryWithDictionary>("dictionaryWithDictionary:")
         .method<&NSDictionary::imp_initWithDictionary>("initWithDictionary:")
         .method<&NSDictionary::imp_initWithObjectsForKeys>("initWithObjects:forKeys:")
-        .method<&NSDictionary::imp_count>("count")
+        .property<&NSDictionary::count_>("count", objc::Readonly | objc::Nonatomic)
         .method<&NSDictionary::imp_objectForKey>("objectForKey:")
         .method<&NSDictionary::imp_objectForKey>("objectForKeyedSubscript:")
         .method<&NSDictionary::imp_allKeys>("allKeys")

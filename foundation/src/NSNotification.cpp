@@ -15,9 +15,10 @@ void NSNotification::objcDefine(objc::ClassBuilder<NSNotification>& b) {
         .classMethod<&NSNotification::imp_notificationWithNameObjectUserInfo>(
             "notificationWithName:object:userInfo:")
         .method<&NSNotification::imp_initWithNameObjectUserInfo>("initWithName:object:userInfo:")
-        .method<&NSNotification::imp_name>("name")
-        .method<&NSNotification::imp_object>("object")
-        .method<&NSNotification::imp_userInfo>("userInfo")
+        .property<&NSNotification::name_>("name", objc::Readonly | objc::Copy | objc::Nonatomic)
+        .property<&NSNotification::object_>("object", objc::Readonly | objc::Nonatomic)
+        .property<&NSNotification::userInfo_>("userInfo",
+                                              objc::Readonly | objc::Copy | objc::Nonatomic)
         .method<&NSNotification::imp_description>("description");
 }
 
@@ -50,10 +51,6 @@ NSNotification* NSNotification::imp_initWithNameObjectUserInfo(NSString* name, i
     object_ = objc::retained(object);
     userInfo_ = objc::retained(userInfo);
     return this;
-}
-
-NSDictionary* NSNotification::imp_userInfo() const {
-    return userInfo_.get();
 }
 
 NSString* NSNotification::imp_description() {

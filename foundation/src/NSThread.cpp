@@ -35,7 +35,7 @@ void NSThread::objcDefine(objc::ClassBuilder<NSThread>& b) {
         .classMethod<&NSThread::imp_currentThread>("currentThread")
         .classMethod<&NSThread::imp_mainThread>("mainThread")
         .classMethod<&NSThread::imp_sleepForTimeInterval>("sleepForTimeInterval:")
-        .method<&NSThread::imp_isMainThread>("isMainThread")
+        .property<&NSThread::main_>("isMainThread", objc::Readonly | objc::Nonatomic)
         .method<&NSThread::imp_name>("name")
         .method<&NSThread::imp_setName>("setName:");
 }

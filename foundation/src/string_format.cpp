@@ -259,8 +259,8 @@ class Formatter {
             case Kind::Double:
                 return a.d;
             case Kind::Object:
-                if (a.object != nullptr &&
-                    msgSend<bool>(a.object, sel<"respondsToSelector:">(), sel<"doubleValue">())) {
+                if (objc::sendIfAny<bool>(a.object, sel<"respondsToSelector:">(),
+                                          sel<"doubleValue">())) {
                     return msgSend<double>(a.object, sel<"doubleValue">());
                 }
                 return 0;

@@ -1,5 +1,7 @@
 #include "uikit_fixture.h"
 
+#include <Foundation/NSMutableString.h>
+
 namespace {
 
 using AlertViewTest = UIKitTest;
@@ -51,6 +53,19 @@ TEST_F(AlertViewTest, TappingTellsTheDelegateInOrder) {
     EXPECT_EQ(delegate->log,
               (std::vector<std::string>{"clicked:1", "willDismiss:1", "didDismiss:1"}));
     EXPECT_FALSE(alert->isVisible());
+}
+
+TEST_F(AlertViewTest, TextIsCopiedAndVisibilityCannotBeSet) {
+    auto alert = UIAlertView::create(nullptr, nullptr, nullptr, NSSTR("OK"));
+    auto text = NSMutableString::create();
+    text->appendString(NSSTR("Saved"));
+    alert->setTitle(text.get());
+    alert->setMessage(text.get());
+    text->appendString(NSSTR(" twice"));
+    EXPECT_EQ(alert->title()->utf8(), "Saved");
+    EXPECT_EQ(alert->message()->utf8(), "Saved");
+    EXPECT_FALSE(objc::msgSend<bool>(alert.get(), objc::sel<"respondsToSelector:">(),
+                                     objc::sel<"setVisible:">()));
 }
 
 }  // namespace

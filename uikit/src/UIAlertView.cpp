@@ -16,18 +16,14 @@ void UIAlertView::objcDefine(objc::ClassBuilder<UIAlertView>& b) {
         .method<&C::imp_dismissWithClickedButtonIndex>("dismissWithClickedButtonIndex:animated:")
         .method<&C::imp_numberOfButtons>("numberOfButtons")
         .method<&C::imp_buttonTitleAtIndex>("buttonTitleAtIndex:")
-        .method<&C::imp_cancelButtonIndex>("cancelButtonIndex")
-        .method<&C::imp_setCancelButtonIndex>("setCancelButtonIndex:")
+        .property<&C::cancelIndex_>("cancelButtonIndex", objc::Nonatomic)
         .method<&C::imp_firstOtherButtonIndex>("firstOtherButtonIndex")
-        .method<&C::imp_isVisible>("isVisible")
-        .method<&C::imp_title>("title")
-        .method<&C::imp_setTitle>("setTitle:")
-        .method<&C::imp_message>("message")
-        .method<&C::imp_setMessage>("setMessage:")
-        .method<&C::imp_delegate>("delegate")
-        .method<&C::imp_setDelegate>("setDelegate:")
-        .method<&C::imp_alertViewStyle>("alertViewStyle")
-        .method<&C::imp_setAlertViewStyle>("setAlertViewStyle:");
+        .property<&C::visible_>("visible",
+                                objc::Readonly | objc::Nonatomic | objc::getter("isVisible"))
+        .property<&C::title_>("title", objc::Copy | objc::Nonatomic)
+        .property<&C::message_>("message", objc::Copy | objc::Nonatomic)
+        .property<&C::delegate_>("delegate", objc::Weak | objc::Nonatomic)
+        .property<&C::style_>("alertViewStyle", objc::Nonatomic);
 }
 
 namespace {
@@ -44,8 +40,7 @@ objc::Strong<NSString> copied(NSString* text) {
 }
 
 bool responds(id object, SEL sel) {
-    return object != nullptr &&
-           objc::msgSend<bool>(object, objc::sel<"respondsToSelector:">(), sel);
+    return objc::sendIfAny<bool>(object, objc::sel<"respondsToSelector:">(), sel);
 }
 
 }  // namespace
@@ -79,14 +74,6 @@ NSInteger UIAlertView::imp_firstOtherButtonIndex() const {
         if (i != cancelIndex_) return i;
     }
     return -1;
-}
-
-void UIAlertView::imp_setTitle(NSString* title) {
-    title_ = copied(title);
-}
-
-void UIAlertView::imp_setMessage(NSString* message) {
-    message_ = copied(message);
 }
 
 void UIAlertView::tellDelegate(SEL sel) {

@@ -14,11 +14,10 @@ OBJC_REGISTER_CLASS(UIDocumentMenuViewController)
 void UIDocumentMenuViewController::objcDefine(objc::ClassBuilder<UIDocumentMenuViewController>& b) {
     using C = UIDocumentMenuViewController;
     b.method<&C::imp_initWithDocumentTypesInMode>("initWithDocumentTypes:inMode:")
-        .method<&C::imp_delegate>("delegate")
-        .method<&C::imp_setDelegate>("setDelegate:")
+        .property<&C::delegate_>("delegate", objc::Weak | objc::Nonatomic)
         .method<&C::imp_addOptionWithTitle>("addOptionWithTitle:image:order:handler:")
-        .method<&C::imp_documentTypes>("documentTypes")
-        .method<&C::imp_documentPickerMode>("documentPickerMode");
+        .property<&C::types_>("documentTypes", objc::Readonly | objc::Nonatomic)
+        .property<&C::mode_>("documentPickerMode", objc::Readonly | objc::Nonatomic);
 }
 
 UIDocumentMenuViewController* UIDocumentMenuViewController::imp_initWithDocumentTypesInMode(
@@ -103,8 +102,7 @@ bool UIDocumentMenuViewController::chooseProvider(std::size_t index) {
     auto after = objc::makeBlock<void()>([self, picker] {
         const id delegate = self->delegate();
         const SEL didPick = objc::sel<"documentMenu:didPickDocumentPicker:">();
-        if (delegate != nullptr &&
-            objc::msgSend<bool>(delegate, objc::sel<"respondsToSelector:">(), didPick)) {
+        if (objc::sendIfAny<bool>(delegate, objc::sel<"respondsToSelector:">(), didPick)) {
             objc::msgSend<void>(delegate, didPick, self.get(), picker.get());
         }
     });
@@ -117,8 +115,7 @@ void UIDocumentMenuViewController::cancel() {
     auto after = objc::makeBlock<void()>([self] {
         const id delegate = self->delegate();
         const SEL cancelled = objc::sel<"documentMenuWasCancelled:">();
-        if (delegate != nullptr &&
-            objc::msgSend<bool>(delegate, objc::sel<"respondsToSelector:">(), cancelled)) {
+        if (objc::sendIfAny<bool>(delegate, objc::sel<"respondsToSelector:">(), cancelled)) {
             objc::msgSend<void>(delegate, cancelled, self.get());
         }
     });

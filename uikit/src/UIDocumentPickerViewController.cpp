@@ -58,9 +58,8 @@ void UIDocumentPickerViewController::objcDefine(
     objc::ClassBuilder<UIDocumentPickerViewController>& b) {
     using C = UIDocumentPickerViewController;
     b.method<&C::imp_initWithDocumentTypesInMode>("initWithDocumentTypes:inMode:")
-        .method<&C::imp_delegate>("delegate")
-        .method<&C::imp_setDelegate>("setDelegate:")
-        .method<&C::imp_documentPickerMode>("documentPickerMode");
+        .property<&C::delegate_>("delegate", objc::Weak | objc::Nonatomic)
+        .property<&C::mode_>("documentPickerMode", objc::Readonly | objc::Nonatomic);
 }
 
 UIDocumentPickerViewController* UIDocumentPickerViewController::imp_initWithDocumentTypesInMode(
@@ -186,8 +185,7 @@ bool UIDocumentPickerViewController::pickFileAtIndex(std::size_t index) {
     auto after = objc::makeBlock<void()>([self, url] {
         const id delegate = self->delegate();
         const SEL didPick = objc::sel<"documentPicker:didPickDocumentAtURL:">();
-        if (delegate != nullptr &&
-            objc::msgSend<bool>(delegate, objc::sel<"respondsToSelector:">(), didPick)) {
+        if (objc::sendIfAny<bool>(delegate, objc::sel<"respondsToSelector:">(), didPick)) {
             objc::msgSend<void>(delegate, didPick, self.get(), url.get());
         }
     });
@@ -200,8 +198,7 @@ void UIDocumentPickerViewController::cancel() {
     auto after = objc::makeBlock<void()>([self] {
         const id delegate = self->delegate();
         const SEL cancelled = objc::sel<"documentPickerWasCancelled:">();
-        if (delegate != nullptr &&
-            objc::msgSend<bool>(delegate, objc::sel<"respondsToSelector:">(), cancelled)) {
+        if (objc::sendIfAny<bool>(delegate, objc::sel<"respondsToSelector:">(), cancelled)) {
             objc::msgSend<void>(delegate, cancelled, self.get());
         }
     });

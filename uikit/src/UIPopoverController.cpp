@@ -109,14 +109,12 @@ bool UIPopoverController::dismissByUser() {
     const objc::Strong<UIPopoverController> keep = objc::retained(this);
     const id delegate = delegate_;
     const SEL should = objc::sel<"popoverControllerShouldDismissPopover:">();
-    if (delegate != nullptr &&
-        objc::msgSend<bool>(delegate, objc::sel<"respondsToSelector:">(), should)) {
+    if (objc::sendIfAny<bool>(delegate, objc::sel<"respondsToSelector:">(), should)) {
         if (!objc::msgSend<bool>(delegate, should, this)) return false;
     }
     dismissPopoverAnimated(true);
     const SEL did = objc::sel<"popoverControllerDidDismissPopover:">();
-    if (delegate_ != nullptr &&
-        objc::msgSend<bool>(delegate_, objc::sel<"respondsToSelector:">(), did)) {
+    if (objc::sendIfAny<bool>(delegate_, objc::sel<"respondsToSelector:">(), did)) {
         objc::msgSend<void>(delegate_, did, this);
     }
     return true;

@@ -14,11 +14,10 @@ void UITableView::objcDefine(objc::ClassBuilder<UITableView>& b) {
     using C = UITableView;
     b.method<&C::imp_initWithFrame>("initWithFrame:")
         .method<&C::imp_initWithFrameStyle>("initWithFrame:style:")
-        .method<&C::imp_style>("style")
+        .property<&C::style_>("style", objc::Readonly | objc::Nonatomic)
         .method<&C::imp_dataSource>("dataSource")
         .method<&C::imp_setDataSource>("setDataSource:")
-        .method<&C::imp_delegate>("delegate")
-        .method<&C::imp_setDelegate>("setDelegate:")
+        .property<&C::delegate_>("delegate", objc::Weak | objc::Nonatomic)
         .method<&C::imp_reloadData>("reloadData")
         .method<&C::imp_reloadRowsAtIndexPathsWithRowAnimation>(
             "reloadRowsAtIndexPaths:withRowAnimation:")
@@ -39,7 +38,7 @@ using objc::msgSend;
 using objc::sel;
 
 bool responds(id object, SEL selector) {
-    return object != nullptr && msgSend<bool>(object, sel<"respondsToSelector:">(), selector);
+    return objc::sendIfAny<bool>(object, sel<"respondsToSelector:">(), selector);
 }
 
 NSIndexPath* pathFor(NSInteger section, NSInteger row) {

@@ -25,7 +25,7 @@ void UIViewController::objcDefine(objc::ClassBuilder<UIViewController>& b) {
         .method<&C::imp_initWithNibNameBundle>("initWithNibName:bundle:")
         .method<&C::imp_view>("view")
         .method<&C::imp_setView>("setView:")
-        .method<&C::imp_viewIfLoaded>("viewIfLoaded")
+        .property<&C::view_>("viewIfLoaded", objc::Readonly | objc::Nonatomic)
         .method<&C::imp_isViewLoaded>("isViewLoaded")
         .method<&C::imp_loadView>("loadView")
         .method<&C::imp_viewDidLoad>("viewDidLoad")
@@ -35,9 +35,9 @@ void UIViewController::objcDefine(objc::ClassBuilder<UIViewController>& b) {
         .method<&C::imp_viewDidDisappear>("viewDidDisappear:")
         .method<&C::imp_beginAppearanceTransition>("beginAppearanceTransition:animated:")
         .method<&C::imp_endAppearanceTransition>("endAppearanceTransition")
-        .method<&C::imp_title>("title")
-        .method<&C::imp_setTitle>("setTitle:")
-        .method<&C::imp_parentViewController>("parentViewController")
+        .property<&C::title_>("title", objc::Copy | objc::Nonatomic)
+        .property<&C::parent_>("parentViewController",
+                               objc::Readonly | objc::Weak | objc::Nonatomic)
         .method<&C::imp_navigationController>("navigationController")
         .method<&C::imp_childViewControllers>("childViewControllers")
         .method<&C::imp_addChildViewController>("addChildViewController:")
@@ -46,10 +46,9 @@ void UIViewController::objcDefine(objc::ClassBuilder<UIViewController>& b) {
         .method<&C::imp_didMoveToParentViewController>("didMoveToParentViewController:")
         .method<&C::imp_presentViewController>("presentViewController:animated:completion:")
         .method<&C::imp_dismissViewControllerAnimated>("dismissViewControllerAnimated:completion:")
-        .method<&C::imp_presentedViewController>("presentedViewController")
+        .property<&C::presented_>("presentedViewController", objc::Readonly | objc::Nonatomic)
         .method<&C::imp_presentingViewController>("presentingViewController")
-        .method<&C::imp_modalPresentationStyle>("modalPresentationStyle")
-        .method<&C::imp_setModalPresentationStyle>("setModalPresentationStyle:")
+        .property<&C::modalStyle_>("modalPresentationStyle", objc::Nonatomic)
         .method<&C::imp_nextResponder>("nextResponder");
 }
 
@@ -95,10 +94,6 @@ void UIViewController::imp_setView(UIView* view) {
 
 void UIViewController::imp_loadView() {
     setView(UIView::create(UIScreen::mainScreen()->bounds()).get());
-}
-
-void UIViewController::imp_setTitle(NSString* title) {
-    title_ = title != nullptr ? objc::adopt(static_cast<NSString*>(title->copy())) : nullptr;
 }
 
 std::vector<UIViewController*> UIViewController::appearanceChildren() {

@@ -100,7 +100,6 @@ class PV_EXPORT NSDate : public NSObject {
     NSDate* imp_initWithTimeIntervalSinceReferenceDate(NSTimeInterval seconds);
     NSDate* imp_initWithTimeIntervalSinceDate(NSTimeInterval seconds, NSDate* date);
     NSTimeInterval imp_timeIntervalSince1970() const;
-    NSTimeInterval imp_timeIntervalSinceReferenceDate() const { return interval_; }
     NSTimeInterval imp_timeIntervalSinceNow() const;
     NSTimeInterval imp_timeIntervalSinceDate(NSDate* other) const;
     NSDate* imp_dateByAddingTimeInterval(NSTimeInterval seconds) const;

@@ -139,7 +139,6 @@ class PV_EXPORT NSDictionary : public NSObject {
     static NSDictionary* imp_dictionaryWithDictionary(Class cls, NSDictionary* other);
     NSDictionary* imp_initWithDictionary(NSDictionary* other);
     NSDictionary* imp_initWithObjectsForKeys(NSArray* objects, NSArray* keys);
-    NSUInteger imp_count() const { return count_; }
     id imp_objectForKey(id key) const;
     NSArray* imp_allKeys() const;
     NSArray* imp_allValues() const;

@@ -59,9 +59,6 @@ class PV_EXPORT NSError : public NSObject {
     static NSError* imp_errorWithDomain(Class cls, NSString* domain, NSInteger code,
                                         NSDictionary* userInfo);
     NSError* imp_initWithDomain(NSString* domain, NSInteger code, NSDictionary* userInfo);
-    NSString* imp_domain() const { return domain_; }
-    NSInteger imp_code() const { return code_; }
-    NSDictionary* imp_userInfo() const { return userInfo_; }
     NSString* imp_localizedDescription();
     NSString* imp_localizedFailureReason();
     NSString* imp_description();

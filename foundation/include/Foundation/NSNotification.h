@@ -43,9 +43,6 @@ class PV_EXPORT NSNotification : public NSObject {
                                                                   NSDictionary* userInfo);
     NSNotification* imp_initWithNameObjectUserInfo(NSString* name, id object,
                                                    NSDictionary* userInfo);
-    NSString* imp_name() const { return name_.get(); }
-    id imp_object() const { return object_.get(); }
-    NSDictionary* imp_userInfo() const;
     NSString* imp_description();
 
     objc::Strong<NSString> name_;

@@ -42,7 +42,6 @@ class PV_EXPORT NSThread : public NSObject {
     static NSThread* imp_currentThread(Class cls);
     static NSThread* imp_mainThread(Class cls);
     static void imp_sleepForTimeInterval(Class cls, NSTimeInterval seconds);
-    bool imp_isMainThread() const { return main_; }
     NSString* imp_name();
     void imp_setName(NSString* name);
 

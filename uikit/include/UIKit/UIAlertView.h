@@ -119,18 +119,7 @@ class PV_EXPORT UIAlertView : public NSObject {
     void imp_dismissWithClickedButtonIndex(NSInteger index, bool animated);
     NSInteger imp_numberOfButtons() const { return static_cast<NSInteger>(buttons_.size()); }
     NSString* imp_buttonTitleAtIndex(NSInteger index) const;
-    NSInteger imp_cancelButtonIndex() const { return cancelIndex_; }
-    void imp_setCancelButtonIndex(NSInteger index) { cancelIndex_ = index; }
     NSInteger imp_firstOtherButtonIndex() const;
-    bool imp_isVisible() const { return visible_; }
-    NSString* imp_title() const { return title_.get(); }
-    void imp_setTitle(NSString* title);
-    NSString* imp_message() const { return message_.get(); }
-    void imp_setMessage(NSString* message);
-    id imp_delegate() const { return delegate_; }
-    void imp_setDelegate(id delegate) { delegate_ = delegate; }
-    UIAlertViewStyle imp_alertViewStyle() const { return style_; }
-    void imp_setAlertViewStyle(UIAlertViewStyle style) { style_ = style; }
 
     // Sends an optional delegate message (alert, and the index if any).
     void tellDelegate(SEL sel);

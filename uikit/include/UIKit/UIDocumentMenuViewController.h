@@ -97,12 +97,8 @@ class PV_EXPORT UIDocumentMenuViewController : public UIViewController {
   private:
     UIDocumentMenuViewController* imp_initWithDocumentTypesInMode(NSArray* types,
                                                                   UIDocumentPickerMode mode);
-    id imp_delegate() const { return delegate_; }
-    void imp_setDelegate(id delegate) { delegate_ = delegate; }
     void imp_addOptionWithTitle(NSString* title, id image, UIDocumentMenuOrder order,
                                 Handler* handler);
-    NSArray* imp_documentTypes() const { return types_.get(); }
-    UIDocumentPickerMode imp_documentPickerMode() const { return mode_; }
 
     // Takes the menu off screen, wherever it is shown.
     void dismissMenu(objc::Block<void()>* completion);

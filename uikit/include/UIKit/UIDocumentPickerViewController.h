@@ -85,9 +85,6 @@ class PV_EXPORT UIDocumentPickerViewController : public UIViewController {
   private:
     UIDocumentPickerViewController* imp_initWithDocumentTypesInMode(NSArray* types,
                                                                     UIDocumentPickerMode mode);
-    id imp_delegate() const { return delegate_; }
-    void imp_setDelegate(id delegate) { delegate_ = delegate; }
-    UIDocumentPickerMode imp_documentPickerMode() const { return mode_; }
 
     bool accepts(const std::string& type) const;
     // Takes the picker off screen, then runs `after` on the main queue.

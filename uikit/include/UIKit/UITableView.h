@@ -130,11 +130,8 @@ class PV_EXPORT UITableView : public UIView {
   private:
     UITableView* imp_initWithFrame(CGRect frame);
     UITableView* imp_initWithFrameStyle(CGRect frame, UITableViewStyle style);
-    UITableViewStyle imp_style() const { return style_; }
     id imp_dataSource() const { return dataSource_; }
     void imp_setDataSource(id dataSource);
-    id imp_delegate() const { return delegate_; }
-    void imp_setDelegate(id delegate) { delegate_ = delegate; }
     void imp_reloadData();
     void imp_reloadRowsAtIndexPathsWithRowAnimation(NSArray* indexPaths,
                                                     UITableViewRowAnimation animation);

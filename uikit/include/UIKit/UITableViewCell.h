@@ -104,18 +104,8 @@ class PV_EXPORT UITableViewCell : public UIView {
     UITableViewCell* imp_initWithFrame(CGRect frame);
     UITableViewCell* imp_initWithStyleReuseIdentifier(UITableViewCellStyle style,
                                                       NSString* reuseIdentifier);
-    UITableViewCellStyle imp_style() const { return style_; }
-    NSString* imp_reuseIdentifier() const { return reuseIdentifier_.get(); }
-    UIView* imp_contentView() const { return contentView_.get(); }
-    UILabel* imp_textLabel() const { return textLabel_.get(); }
-    UILabel* imp_detailTextLabel() const { return detailTextLabel_.get(); }
-    UIImageView* imp_imageView() const { return imageView_.get(); }
-    UITableViewCellAccessoryType imp_accessoryType() const { return accessoryType_; }
-    void imp_setAccessoryType(UITableViewCellAccessoryType type) { accessoryType_ = type; }
     UIView* imp_accessoryView() const { return accessoryView_.get(); }
     void imp_setAccessoryView(UIView* view);
-    UITableViewCellSelectionStyle imp_selectionStyle() const { return selectionStyle_; }
-    void imp_setSelectionStyle(UITableViewCellSelectionStyle style) { selectionStyle_ = style; }
     bool imp_isSelected() const { return selected_; }
     void imp_setSelected(bool selected);
     void imp_setSelectedAnimated(bool selected, bool animated);

@@ -161,7 +161,6 @@ class PV_EXPORT UIViewController : public UIResponder {
     UIViewController* imp_initWithNibNameBundle(NSString* nibName, id bundle);
     UIView* imp_view();
     void imp_setView(UIView* view);
-    UIView* imp_viewIfLoaded() const { return view_.get(); }
     bool imp_isViewLoaded() const { return static_cast<bool>(view_); }
     void imp_loadView();
     void imp_viewDidLoad() {}
@@ -171,9 +170,6 @@ class PV_EXPORT UIViewController : public UIResponder {
     void imp_viewDidDisappear(bool) {}
     void imp_beginAppearanceTransition(bool appearing, bool animated);
     void imp_endAppearanceTransition();
-    NSString* imp_title() const { return title_.get(); }
-    void imp_setTitle(NSString* title);
-    UIViewController* imp_parentViewController() const { return parent_; }
     UINavigationController* imp_navigationController();
     NSArray* imp_childViewControllers() const;
     void imp_addChildViewController(UIViewController* child);
@@ -183,10 +179,7 @@ class PV_EXPORT UIViewController : public UIResponder {
     void imp_presentViewController(UIViewController* controller, bool animated,
                                    Completion* completion);
     void imp_dismissViewControllerAnimated(bool animated, Completion* completion);
-    UIViewController* imp_presentedViewController() const { return presented_.get(); }
     UIViewController* imp_presentingViewController() const;
-    UIModalPresentationStyle imp_modalPresentationStyle() const { return modalStyle_; }
-    void imp_setModalPresentationStyle(UIModalPresentationStyle style) { modalStyle_ = style; }
     UIResponder* imp_nextResponder();
 
     // Whether presenting `presented` hides this controller's view.
