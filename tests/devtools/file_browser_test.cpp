@@ -1,5 +1,4 @@
-// The browser over real folders, driven from C++ as a terminal UI drives it,
-// and the picker that presents it, reporting through its three blocks.
+// The browser over real folders, driven as a terminal UI drives it, and the picker around it.
 #include "scratch_folder.h"
 #include "unprivileged.h"
 

@@ -1,5 +1,4 @@
-// NSArray and NSMutableArray: bounds, nil, enumeration safety, equality,
-// sorting and ownership.
+// NSArray and NSMutableArray: bounds, nil, enumeration safety, equality, sorting, ownership.
 #include <gtest/gtest.h>
 
 #include <Foundation/NSArray.h>

@@ -219,8 +219,7 @@ TEST(DefaultsPersistence, AProcessKilledAtAnyMomentLeavesEveryAcknowledgedValue)
     for (int round = 0; round < 8; ++round) {
         objc::AutoreleasePool pool;
         Child child = spawn({file, "loop"});
-        // Once it is writing (its first acknowledgement), let it run a
-        // random while longer, then kill it wherever it is.
+        // Once it writes (its first acknowledgement), let it run a random while, then kill it.
         std::string received;
         const auto readSome = [&](int timeoutMs) {
             pollfd p{child.output, POLLIN, 0};

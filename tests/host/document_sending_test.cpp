@@ -420,8 +420,7 @@ TEST_F(DocumentSendingTest, AFailedCopyLeavesNoPartialFile) {
     EXPECT_TRUE(fs::exists(outside / "pipe.pdf"));
 }
 
-// A source that stops giving data fails after the stall time-out instead of
-// holding the sender for good; one that ends is copied whole.
+// A stalled source fails after the time-out instead of holding the sender; one that ends is whole.
 TEST(MediaCopyTest, AStalledSourceTimesOut) {
     int stalled[2], ending[2];
     ASSERT_EQ(::pipe2(stalled, O_CLOEXEC), 0);
@@ -445,8 +444,7 @@ TEST(MediaCopyTest, AStalledSourceTimesOut) {
     for (const int fd : {stalled[0], stalled[1], ending[0], sink}) ::close(fd);
 }
 
-// Same names get distinct media files; a killed run's unfinished copy is
-// cleared at the next start while finished files stay.
+// Same names get distinct media files; a killed run's partial copy goes at the next start.
 TEST_F(DocumentSendingTest, SameNamesGetDistinctMediaFilesAndLeftoversGoAtStartUp) {
     for (const char* folder : {"a", "b"}) {
         write(outside / folder / "same.pdf", folder);

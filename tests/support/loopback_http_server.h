@@ -24,8 +24,7 @@
 
 namespace testsupport {
 
-// What the server answers for a path; built by chaining, as -Wextra rejects partial designated
-// initializers.
+// What the server answers for a path; chained, as -Wextra rejects partial designated initialisers.
 struct CannedResponse {
     int status = 200;
     std::string body;

@@ -1,5 +1,4 @@
-// The library's section in the host's real Settings screen, where the messenger's scripts cannot
-// see.
+// The library's section in the host's real Settings screen, beyond what scripts can see.
 #include "hooks/settings_switches.h"
 #include "parcelvane/in_host/settings_fixture.h"
 #include "support/defaults_spy.h"
