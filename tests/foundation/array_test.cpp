@@ -1,5 +1,4 @@
-// NSArray and NSMutableArray: bounds, nil, enumeration safety, equality,
-// sorting and ownership.
+// NSArray and NSMutableArray: bounds, nil, enumeration safety, equality, sorting, ownership.
 #include <gtest/gtest.h>
 
 #include <Foundation/NSArray.h>
@@ -40,10 +39,6 @@ objc::Exception raised(F&& f) {
         return e;
     }
     return objc::Exception("", "nothing raised");
-}
-
-objc::Strong<NSString> str(const char* s) {
-    return NSString::create(s);
 }
 
 TEST(Array, IndexErrorsRaiseRangeExceptionsWithThePlatformWording) {
@@ -115,24 +110,24 @@ TEST(Array, MutationDuringEnumerationRaisesInsteadOfMisbehaving) {
 TEST(Array, EqualityFollowsElementsAndAgreesWithHash) {
     objc::AutoreleasePool pool;
     // Built separately: equal, never identical.
-    auto one = NSArray::create({str("x"), str("y")});
-    auto two = NSMutableArray::create({str("x"), str("y")});
-    auto reversed = NSArray::create({str("y"), str("x")});
+    auto one = NSArray::create({S("x"), S("y")});
+    auto two = NSMutableArray::create({S("x"), S("y")});
+    auto reversed = NSArray::create({S("y"), S("x")});
     EXPECT_TRUE(one->isEqual(two));
     EXPECT_TRUE(two->isEqual(one));
     EXPECT_EQ(one->hash(), two->hash());
     EXPECT_FALSE(one->isEqual(reversed));
     EXPECT_FALSE(one->isEqual(NSSTR("x")));
-    EXPECT_FALSE(one->isEqualToArray(NSArray::create({str("x")})));
-    auto y = str("y");
+    EXPECT_FALSE(one->isEqualToArray(NSArray::create({S("x")})));
+    auto y = S("y");
     EXPECT_TRUE(one->containsObject(y));
     EXPECT_EQ(one->indexOfObject(y), 1u);
     EXPECT_EQ(one->indexOfObject(nullptr), static_cast<NSUInteger>(NSNotFound));
     // removeObject: removes every equal element.
-    auto array = NSMutableArray::create({str("a"), str("b"), str("a"), str("c"), str("a")});
-    array->removeObject(str("a"));
+    auto array = NSMutableArray::create({S("a"), S("b"), S("a"), S("c"), S("a")});
+    array->removeObject(S("a"));
     EXPECT_EQ(text(array->componentsJoinedByString(NSSTR(","))), "b,c");
-    array->removeObject(str("absent"));
+    array->removeObject(S("absent"));
     EXPECT_EQ(array->count(), 2u);
 }
 

@@ -1,5 +1,4 @@
-// Bundles: Info.plist, resources, localisations chosen for the user's
-// languages and translations looked up with their fallbacks.
+// Bundles: Info.plist, resources, localisations for the user's languages, translations.
 #include <gtest/gtest.h>
 
 #include <Foundation/NSArray.h>
@@ -20,8 +19,7 @@ namespace {
 
 using namespace testsupport;
 
-// A bundle like the host's: English development region, French and Arabic
-// translations, some resources.
+// A bundle like the host's: English development region, French and Arabic, some resources.
 class BundleTest : public ::testing::Test {
   protected:
     void SetUp() override {

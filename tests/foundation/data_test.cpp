@@ -1,5 +1,4 @@
-// NSData and NSMutableData: contents, equality, ranges, files (including
-// atomic replacement) and URLs.
+// NSData and NSMutableData: contents, equality, ranges, files (atomic replacement) and URLs.
 #include <gtest/gtest.h>
 
 #include <Foundation/NSData.h>

@@ -1,10 +1,5 @@
-// A child process for the user-defaults persistence tests.
-//   defaults_writer FILE set KEY=VALUE...   stores strings (-KEY: removes the
-//                                           key) and exits normally (exit()),
-//                                           without synchronize
-//   defaults_writer FILE loop               stores counter = previous + 1, 2...
-//                                           forever, synchronizing each and
-//                                           printing each acknowledged value
+// Child for the defaults persistence tests: `FILE set KEY=VALUE... [-KEY]` stores and exit()s
+// without synchronize; `FILE loop` increments `counter`, synchronizing and printing each value.
 #include <Foundation/NSNumber.h>
 #include <Foundation/NSUserDefaults.h>
 
@@ -18,8 +13,7 @@
 namespace {
 
 void say(const std::string& line) {
-    // One write per line, unbuffered: the parent must see exactly what was
-    // acknowledged before it kills us.
+    // One unbuffered write per line: the parent sees exactly what was acknowledged.
     const std::string text = line + "\n";
     if (::write(STDOUT_FILENO, text.data(), text.size()) < 0) std::_Exit(3);
 }
@@ -59,8 +53,7 @@ int main(int argc, char** argv) {
     }
     objc::AutoreleasePool pool;
     const auto defaults = NSUserDefaults::create(argv[1]);
-    // exit() leaves the defaults alive, as the process-wide ones always are:
-    // what is pending is written by the exit-time flush.
+    // exit() leaves the defaults alive: the exit-time flush writes what is pending.
     if (std::strcmp(argv[2], "set") == 0) std::exit(set(defaults, argc, argv));
     if (std::strcmp(argv[2], "loop") == 0) loop(defaults);
     return 2;

@@ -1,5 +1,4 @@
-// NSDictionary and NSMutableDictionary: lookup by equality, key copying,
-// nil handling, enumeration safety, ownership and equality.
+// NSDictionary and NSMutableDictionary: lookup, key copying, nil, enumeration, ownership.
 #include <gtest/gtest.h>
 
 #include <Foundation/NSArray.h>
@@ -18,8 +17,7 @@ namespace {
 
 using namespace testsupport;
 
-// A key with a value of its own: equal by value, hashed into few buckets so
-// that collisions are common, copied into a new object, and counted.
+// A counted, copyable key, equal by value and hashed into few buckets so collisions are common.
 class DictionaryTestKey : public NSObject {
     OBJC_CLASS(DictionaryTestKey)
     ~DictionaryTestKey() override { ++deaths; }

@@ -29,8 +29,7 @@ class DispatchTestTracked : public NSObject {
     static inline std::atomic<int> alive{0};
 };
 
-// A one-shot signal between threads, with a generous bound so that a fault
-// fails the test instead of hanging it.
+// A one-shot signal between threads, bounded so that a fault fails instead of hanging.
 class Signal {
   public:
     void set() {
@@ -80,8 +79,7 @@ TEST(DispatchMainQueue, RunsOnlyOnTheMainThreadWhenTheLoopRuns) {
     EXPECT_TRUE(onMain.load());
 }
 
-// The download pattern: fetch on a worker, hand the result back to the main
-// thread, and let the test (or host) run the loop until it has arrived.
+// The download pattern: fetch on a worker, hand the result to the main thread, run until it came.
 TEST(DispatchMainQueue, BackgroundResultHandedBackRunsOnTheNextDrain) {
     objc::AutoreleasePool pool;
     Signal release;
@@ -94,12 +92,12 @@ TEST(DispatchMainQueue, BackgroundResultHandedBackRunsOnTheNextDrain) {
     foundation::runMainLoopUntilIdle(false);
     EXPECT_TRUE(result.empty());
     // Waiting with a deadline gives up on a worker that is still busy.
-    const auto start = std::chrono::steady_clock::now();
-    EXPECT_FALSE(foundation::runMainLoopUntilIdle(start + std::chrono::milliseconds(30)));
-    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(30));
+    const auto start = Clock::now();
+    EXPECT_FALSE(foundation::runMainLoopUntilIdle(start + 30ms));
+    EXPECT_GE(Clock::now() - start, 30ms);
     EXPECT_TRUE(result.empty());
     release.set();
-    EXPECT_TRUE(foundation::runMainLoopUntilIdle(std::chrono::steady_clock::time_point::max()));
+    EXPECT_TRUE(foundation::runMainLoopUntilIdle(Clock::time_point::max()));
     EXPECT_EQ(result, "payload");
 }
 

@@ -18,8 +18,7 @@ std::string type(NSNumber* n) {
     return n->objCType();
 }
 
-// Small integers are shared per encoding and need no counting; the sharing
-// must not change a number's encoding or reach beyond its range.
+// Small integers are shared per encoding; sharing keeps each number's encoding and range.
 TEST_F(NumberTest, SmallIntegersAreSharedPerEncodingAndNeverCounted) {
     NSNumber* seven = NSNumber::numberWithInteger(7);
     EXPECT_EQ(NSNumber::create(7L).get(), seven);

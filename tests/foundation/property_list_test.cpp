@@ -1,6 +1,4 @@
-// Property lists: encoding runtime objects as XML and binary property lists
-// and back, with kinds preserved, errors reported, and the collections' file
-// methods.
+// Property lists: XML and binary, kinds preserved, errors reported, the collections' file methods.
 #include <gtest/gtest.h>
 
 #include <Foundation/NSArray.h>
@@ -22,8 +20,7 @@ namespace {
 
 using namespace testsupport;
 
-// A list that exercises every kind: nested containers, extreme numbers,
-// non-ASCII text, bytes with zeros, dates.
+// A list of every kind: nested containers, extreme numbers, non-ASCII text, zero bytes, dates.
 objc::Strong<NSDictionary> sampleList() {
     const std::uint8_t bytes[] = {0, 1, 2, 0xFF, 0, 42};
     auto inner = NSDictionary::create(
@@ -129,8 +126,7 @@ TEST(PropertyList, CorruptDataGivesAnErrorNotAnObject) {
     EXPECT_EQ(NSPropertyListSerialization::propertyListWithData(nullptr, {}, nullptr, &error),
               nullptr);
     EXPECT_NE(error, nullptr);
-    // Keys holding U+0000 aborted inside libplist; they are refused, and so is
-    // XML with a NUL byte anywhere.
+    // Keys holding U+0000 (which aborted inside libplist) are refused, as is XML with a NUL.
     for (const std::string& bytes :
          {corpusFile("property_list/abort-libplist-utf16-key-nul.bplist"),
           corpusFile("property_list/abort-libplist-key-nul-fuzzed.bplist"),

@@ -92,8 +92,7 @@ TEST(NSRunLoopBasics, EveryTurnDrainsItsPoolAndRunsInTheDefaultMode) {
     EXPECT_TRUE(mode->isEqualToString(NSDefaultRunLoopMode));
 }
 
-// A block may run the loop itself (a modal wait): later work runs inside it,
-// in order, and the outer loop goes on afterwards.
+// A block may run the loop itself (a modal wait): later work runs inside it, in order.
 TEST(NSRunLoopBasics, NestedRunsKeepTheQueueOrder) {
     objc::AutoreleasePool pool;
     std::vector<std::string> order;

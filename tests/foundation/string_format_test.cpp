@@ -39,8 +39,7 @@ TEST_F(StringFormatTest, PositionalAndStarArguments) {
     EXPECT_EQ(fmt("%2$@ %1$@", NSSTR("world"), NSSTR("hello")), "hello world");
     EXPECT_EQ(fmt("%1$d-%1$d", 3), "3-3");
     EXPECT_EQ(fmt("%*d|%.*f", 4, 7, 2, 1.0), "   7|1.00");
-    // Widths and the precisions of numbers stop at 10,000 characters; INT_MIN
-    // through '*' is a left-justified width, not an overflowing negation.
+    // Widths and precisions stop at 10,000 characters; INT_MIN via '*' is a left-justified width.
     EXPECT_EQ(fmt("%2147483647d", 1).size(), 10000u);
     EXPECT_EQ(fmt("%99999999g", 1.0).size(), 10000u);
     EXPECT_EQ(fmt("%.99999999f", 1.0).size(), 10002u);

@@ -1,5 +1,4 @@
-// Reading localised string tables: encodings, escapes, comments, and the
-// guarantee that malformed files give no entries instead of crashing.
+// Localised string tables: encodings, escapes, comments; malformed files give no entries.
 #include <gtest/gtest.h>
 
 #include <Foundation/strings_table.h>

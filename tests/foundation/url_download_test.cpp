@@ -1,5 +1,4 @@
-// Downloads over http through libcurl: -[NSData initWithContentsOfURL:] and
-// foundation::downloadURL, against a loopback server.
+// Downloads over http through libcurl, against a loopback server.
 #include "loopback_http_server.h"
 
 #include <Foundation/NSData.h>
@@ -30,8 +29,7 @@ using namespace std::chrono_literals;
 constexpr std::array kProxyVariables = {"http_proxy", "HTTP_PROXY", "https_proxy", "HTTPS_PROXY",
                                         "all_proxy",  "ALL_PROXY",  "no_proxy",    "NO_PROXY"};
 
-// Each case starts with no proxy settings and the standard loader, and puts
-// back what it found.
+// Each case starts with no proxy settings and the standard loader, and puts back what it found.
 class URLDownload : public ::testing::Test {
   protected:
     void SetUp() override {

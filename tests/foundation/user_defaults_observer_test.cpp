@@ -1,5 +1,4 @@
-// Key-value observing of user defaults: who is told, what they are told, and
-// what observers may do from inside a notification, also across threads.
+// Key-value observing of user defaults, also from inside a notification and across threads.
 #include <gtest/gtest.h>
 
 #include <Foundation/NSDictionary.h>
@@ -70,10 +69,14 @@ id changeValue(const DefaultsObserver::Note& note, NSString* key) {
     return note.change->objectForKey(key);
 }
 
-TEST(DefaultsObserving, ObserversGetNewValuesAndNullOnRemoval) {
+class DefaultsObserving : public ::testing::Test {
+  protected:
     objc::AutoreleasePool pool;
-    auto defaults = NSUserDefaults::create("");
-    auto observer = objc::make<DefaultsObserver>();
+    const objc::Strong<NSUserDefaults> defaults = NSUserDefaults::create("");
+    const objc::Strong<DefaultsObserver> observer = objc::make<DefaultsObserver>();
+};
+
+TEST_F(DefaultsObserving, ObserversGetNewValuesAndNullOnRemoval) {
     int context = 0;
     defaults->addObserver(observer, S("volume"), kNew | kOld, &context);
     defaults->setIntegerForKey(3, S("volume"));
@@ -99,9 +102,7 @@ TEST(DefaultsObserving, ObserversGetNewValuesAndNullOnRemoval) {
     defaults->removeObserver(observer, S("volume"));
 }
 
-TEST(DefaultsObserving, OnlyObserversOfTheChangedKeyAreTold) {
-    objc::AutoreleasePool pool;
-    auto defaults = NSUserDefaults::create("");
+TEST_F(DefaultsObserving, OnlyObserversOfTheChangedKeyAreTold) {
     auto a = objc::make<DefaultsObserver>();
     auto b = objc::make<DefaultsObserver>();
     defaults->addObserver(a, S("alpha"), kNew, nullptr);
@@ -118,10 +119,7 @@ TEST(DefaultsObserving, OnlyObserversOfTheChangedKeyAreTold) {
     defaults->removeObserver(b, S("beta"));
 }
 
-TEST(DefaultsObserving, RegisteringADefaultTellsObserversOfKeysWithoutValues) {
-    objc::AutoreleasePool pool;
-    auto defaults = NSUserDefaults::create("");
-    auto observer = objc::make<DefaultsObserver>();
+TEST_F(DefaultsObserving, RegisteringADefaultTellsObserversOfKeysWithoutValues) {
     defaults->setObjectForKey(S("mine"), S("set"));
     defaults->addObserver(observer, S("set"), kNew, nullptr);
     defaults->addObserver(observer, S("unset"), kNew, nullptr);
@@ -137,10 +135,7 @@ TEST(DefaultsObserving, RegisteringADefaultTellsObserversOfKeysWithoutValues) {
     defaults->removeObserver(observer, S("unset"));
 }
 
-TEST(DefaultsObserving, ObserversSeeTheStoreAlreadyUpdatedAndMayWriteIt) {
-    objc::AutoreleasePool pool;
-    auto defaults = NSUserDefaults::create("");
-    auto observer = objc::make<DefaultsObserver>();
+TEST_F(DefaultsObserving, ObserversSeeTheStoreAlreadyUpdatedAndMayWriteIt) {
     auto mirrorObserver = objc::make<DefaultsObserver>();
     std::string seen;
     observer->action = [&](NSString*, NSDictionary*) {
@@ -158,9 +153,7 @@ TEST(DefaultsObserving, ObserversSeeTheStoreAlreadyUpdatedAndMayWriteIt) {
     defaults->removeObserver(mirrorObserver, S("mirror"));
 }
 
-TEST(DefaultsObserving, ObserversMayRemoveThemselvesOthersOrAddObserversWhileBeingTold) {
-    objc::AutoreleasePool pool;
-    auto defaults = NSUserDefaults::create("");
+TEST_F(DefaultsObserving, ObserversMayRemoveThemselvesOthersOrAddObserversWhileBeingTold) {
     auto selfRemover = objc::make<DefaultsObserver>();
     auto victim = objc::make<DefaultsObserver>();
     auto latecomer = objc::make<DefaultsObserver>();
@@ -190,9 +183,7 @@ TEST(DefaultsObserving, ObserversMayRemoveThemselvesOthersOrAddObserversWhileBei
     defaults->removeObserver(latecomer, S("k"));
 }
 
-TEST(DefaultsObserving, AnObserverThatThrowsLeavesTheDefaultsWorking) {
-    objc::AutoreleasePool pool;
-    auto defaults = NSUserDefaults::create("");
+TEST_F(DefaultsObserving, AnObserverThatThrowsLeavesTheDefaultsWorking) {
     auto thrower = objc::make<DefaultsObserver>();
     thrower->action = [](NSString*, NSDictionary*) {
         objc::raise(objc::exception_name::InternalInconsistency, "observer failed");
@@ -205,10 +196,7 @@ TEST(DefaultsObserving, AnObserverThatThrowsLeavesTheDefaultsWorking) {
     EXPECT_EQ(defaults->integerForKey(S("k")), 2);
 }
 
-TEST(DefaultsObserving, RemovalWaitsForACallRunningOnAnotherThread) {
-    objc::AutoreleasePool pool;
-    auto defaults = NSUserDefaults::create("");
-    auto observer = objc::make<DefaultsObserver>();
+TEST_F(DefaultsObserving, RemovalWaitsForACallRunningOnAnotherThread) {
     std::atomic<bool> inside{false};
     std::atomic<bool> finished{false};
     observer->action = [&](NSString*, NSDictionary*) {
@@ -229,8 +217,7 @@ TEST(DefaultsObserving, RemovalWaitsForACallRunningOnAnotherThread) {
     EXPECT_EQ(observer->count(), 1u);
 }
 
-TEST(DefaultsObserving, ThreadsWritingWhileObserversComeAndGo) {
-    auto defaults = NSUserDefaults::create("");
+TEST_F(DefaultsObserving, ThreadsWritingWhileObserversComeAndGo) {
     auto steady = objc::make<DefaultsObserver>();
     defaults->addObserver(steady, S("shared"), kNew | kOld, nullptr);
     std::atomic<bool> stop{false};

@@ -1,5 +1,4 @@
-// User defaults: storing, reading and converting values; refusing what is not
-// a property list; registered defaults; the process-wide instance.
+// User defaults: values and conversions, non-property-lists refused, registered defaults.
 #include <gtest/gtest.h>
 
 #include <Foundation/NSArray.h>

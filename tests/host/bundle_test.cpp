@@ -47,8 +47,7 @@ TEST_F(BundleTest, EveryLanguageTranslatesEveryText) {
     }
 }
 
-// The host accepts by conformance to its own types: a zip archive is what
-// the office formats are made of, not one of them.
+// The host accepts by conformance: a zip archive is what office formats are made of, not one.
 TEST_F(BundleTest, DocumentTypesByExtensionAndConformance) {
     EXPECT_EQ(host::shareDocumentTypes().size(), 7u);
     EXPECT_EQ(host::documentTypeForExtension("DocX"),

@@ -1,13 +1,9 @@
-// Sending documents into a chat kept in SQLite: where the file goes (moved
-// or copied), what is recorded, that the copy leaves the main thread free,
-// and that a failure leaves nothing behind; the copy engine's own seams
-// (leftovers, stalls). Also the store itself: shared by two writers,
-// migrated from its first version, read-only.
+// Sending documents into a chat kept in SQLite, the copy engine, and the store itself.
 #include "host_fixture.h"
 
-#include <Host/media_copy.h>
 #include <Host/WAChatSessionViewController.h>
 #include <Host/WADocumentAttachment.h>
+#include <Host/media_copy.h>
 
 #include <Foundation/NSBundle.h>
 #include <Foundation/NSURL.h>
@@ -49,7 +45,6 @@ std::string pattern(std::size_t size) {
     return bytes;
 }
 
-// Runs SQL on the database through a connection of its own.
 void execute(const fs::path& database, const std::string& sql) {
     sqlite3* db = nullptr;
     ASSERT_EQ(sqlite3_open(database.c_str(), &db), SQLITE_OK);
@@ -104,16 +99,16 @@ class DocumentSendingTest : public testsupport::HostTest {
             fs::remove(database.string() + suffix, error);
         HostTest::TearDown();
     }
+    static objc::Strong<WADocumentAttachment> attach(const fs::path& path, bool transfer) {
+        return WADocumentAttachment::create(NSURL::fileURL(path.string()).get(), transfer);
+    }
     void send(const fs::path& path, bool transfer) {
-        auto attachment =
-            WADocumentAttachment::create(NSURL::fileURL(path.string()).get(), transfer);
-        chat->sendDocumentAttachment(attachment.get());
+        chat->sendDocumentAttachment(attach(path, transfer).get());
         drain();
     }
     host::Message sendDirectly(const fs::path& path, bool transfer) {
-        auto attachment =
-            WADocumentAttachment::create(NSURL::fileURL(path.string()).get(), transfer);
-        return host::sendDocument(*sqlite, "Bob", *attachment, testsupport::container());
+        return host::sendDocument(*sqlite, "Bob", *attach(path, transfer),
+                                  testsupport::container());
     }
     std::vector<host::Message> sent() const { return sqlite->messages("Bob"); }
     // Other tests' stores share the folder: compare counts.
@@ -147,6 +142,11 @@ TEST_F(DocumentSendingTest, AnInboxFileHandedOverIsMovedWithItsBytes) {
     EXPECT_EQ(readFile(messages[0].filePath), bytes);
     EXPECT_EQ(messages[0].text, "Quarterly.pdf");
     EXPECT_EQ(messages[0].fileSize, bytes.size());
+    // Not handed over, an Inbox file is copied.
+    write(inbox / "draft.pdf", "draft");
+    send(inbox / "draft.pdf", false);
+    EXPECT_EQ(readFile(inbox / "draft.pdf"), "draft");
+    EXPECT_EQ(readFile(sent().back().filePath), "draft");
 }
 
 TEST_F(DocumentSendingTest, AFileOutsideTheContainerIsCopiedEvenWhenHandedOver) {
@@ -165,16 +165,7 @@ TEST_F(DocumentSendingTest, AFileOutsideTheContainerIsCopiedEvenWhenHandedOver) 
     }
 }
 
-TEST_F(DocumentSendingTest, AContainerFileNotHandedOverIsCopied) {
-    write(inbox / "draft.pdf", "draft");
-    send(inbox / "draft.pdf", false);
-    ASSERT_EQ(sent().size(), 1u);
-    EXPECT_EQ(readFile(inbox / "draft.pdf"), "draft");
-    EXPECT_EQ(readFile(sent()[0].filePath), "draft");
-}
-
-// Only the picker's Inbox copies are the host's: a handed-over file anywhere
-// else in the container (a document, the settings, the live database) stays.
+// Only the picker's Inbox copies are the host's: a handed-over file elsewhere stays.
 TEST_F(DocumentSendingTest, AHandedOverContainerFileOutsideTheInboxIsCopied) {
     const fs::path& home = testsupport::container();
     write(home / "Documents" / "notes.txt", "my notes");
@@ -225,12 +216,13 @@ TEST_F(DocumentSendingTest, ASparseFileStaysSparse) {
 }
 
 TEST_F(DocumentSendingTest, RowsSurviveReopeningTheStore) {
-    write(outside / "Budget.pdf", std::string(4321, 'b'));
-    write(outside / "notes.zzqx", "?");
-    write(outside / "archive.zip", "PK");
-    send(outside / "Budget.pdf", false);
-    send(outside / "notes.zzqx", false);
-    send(outside / "archive.zip", false);
+    for (const auto& [name, bytes] :
+         {std::pair<const char*, std::string>{"Budget.pdf", std::string(4321, 'b')},
+          {"notes.zzqx", "?"},
+          {"archive.zip", "PK"}}) {
+        write(outside / name, bytes);
+        send(outside / name, false);
+    }
     chat.reset();
     sqlite = std::make_shared<host::SqliteChatStore>(database.string());
 
@@ -257,8 +249,7 @@ TEST_F(DocumentSendingTest, TheCopyLeavesTheMainThreadAndTheMessageGoesFromSendi
     const std::size_t before = mediaFiles();
     HeldQueue queue;
     chat->setSendQueue(queue.get());
-    auto attachment =
-        WADocumentAttachment::create(NSURL::fileURL((outside / "held.pdf").string()).get(), false);
+    auto attachment = attach(outside / "held.pdf", false);
     // Returns while the copy cannot even start.
     chat->sendDocumentAttachment(attachment.get());
     attachment.reset();
@@ -286,8 +277,7 @@ TEST_F(DocumentSendingTest, TheCopyLeavesTheMainThreadAndTheMessageGoesFromSendi
 
 TEST_F(DocumentSendingTest, AMissingFileFailsWithTheReasonAndNoMediaFile) {
     write(inbox / "gone.pdf", "x");
-    auto attachment =
-        WADocumentAttachment::create(NSURL::fileURL((inbox / "gone.pdf").string()).get(), true);
+    auto attachment = attach(inbox / "gone.pdf", true);
     fs::remove(inbox / "gone.pdf");
     const std::size_t before = mediaFiles();
     ::testing::internal::CaptureStderr();
@@ -312,7 +302,6 @@ TEST_F(DocumentSendingTest, ASendCutShortByItsProcessEndingIsFailedAtTheNextOpen
     const std::int64_t id = sqlite->append("Bob", cut);
     cut.text = "ours.pdf";
     sqlite->append("Bob", cut);
-    // No process can have this number.
     execute(database, "UPDATE messages SET sender_pid = " + std::to_string(INT_MAX) +
                           " WHERE id = " + std::to_string(id));
     sqlite = std::make_shared<host::SqliteChatStore>(database.string());
@@ -431,8 +420,7 @@ TEST_F(DocumentSendingTest, AFailedCopyLeavesNoPartialFile) {
     EXPECT_TRUE(fs::exists(outside / "pipe.pdf"));
 }
 
-// A source that stops giving data fails after the stall time-out instead of
-// holding the sender for good; one that ends is copied whole.
+// A stalled source fails after the time-out instead of holding the sender; one that ends is whole.
 TEST(MediaCopyTest, AStalledSourceTimesOut) {
     int stalled[2], ending[2];
     ASSERT_EQ(::pipe2(stalled, O_CLOEXEC), 0);
@@ -456,30 +444,23 @@ TEST(MediaCopyTest, AStalledSourceTimesOut) {
     for (const int fd : {stalled[0], stalled[1], ending[0], sink}) ::close(fd);
 }
 
-TEST_F(DocumentSendingTest, SameNamesGetDistinctMediaFiles) {
-    write(outside / "a" / "same.pdf", "first");
-    write(outside / "b" / "same.pdf", "second");
-    send(outside / "a" / "same.pdf", false);
-    send(outside / "b" / "same.pdf", false);
+// Same names get distinct media files; a killed run's partial copy goes at the next start.
+TEST_F(DocumentSendingTest, SameNamesGetDistinctMediaFilesAndLeftoversGoAtStartUp) {
+    for (const char* folder : {"a", "b"}) {
+        write(outside / folder / "same.pdf", folder);
+        send(outside / folder / "same.pdf", false);
+    }
     const auto messages = sent();
     ASSERT_EQ(messages.size(), 2u);
     EXPECT_NE(messages[0].filePath, messages[1].filePath);
-    EXPECT_EQ(messages[0].text, "same.pdf");
     EXPECT_EQ(messages[1].text, "same.pdf");
-    EXPECT_EQ(readFile(messages[0].filePath), "first");
-    EXPECT_EQ(readFile(messages[1].filePath), "second");
-}
-
-// A killed run's unfinished copy is cleared at the next start; finished
-// files stay.
-TEST_F(DocumentSendingTest, LeftoverCopiesAreRemovedAtStartUp) {
-    write(outside / "kept.pdf", "kept");
-    const host::Message message = sendDirectly(outside / "kept.pdf", false);
+    EXPECT_EQ(readFile(messages[0].filePath), "a");
+    EXPECT_EQ(readFile(messages[1].filePath), "b");
     const fs::path leftover = mediaFolder() / (std::string(host::kPartialCopyPrefix) + "0123abcd");
     write(leftover, std::string(1000, 'p'));
     host::removeLeftoverCopies(testsupport::container() / "Library" / "Media");
     EXPECT_FALSE(fs::exists(leftover));
-    EXPECT_EQ(readFile(message.filePath), "kept");
+    EXPECT_EQ(readFile(messages[0].filePath), "a");
 }
 
 // A store whose writes fail, as a full disk would make them.
@@ -508,14 +489,10 @@ TEST_F(DocumentSendingTest, AFailedWriteRecordsNothingAndKeepsTheFile) {
         testsupport::container() / "Library" / "Media" / std::to_string(failing.chatId("Bob"));
     write(inbox / "back.pdf", "moved");
     write(outside / "copied.pdf", "copied");
-    auto moved =
-        WADocumentAttachment::create(NSURL::fileURL((inbox / "back.pdf").string()).get(), true);
-    auto copied =
-        WADocumentAttachment::create(NSURL::fileURL((outside / "copied.pdf").string()).get(), true);
-    EXPECT_THROW(host::sendDocument(failing, "Bob", *moved, testsupport::container()),
-                 objc::Exception);
-    EXPECT_THROW(host::sendDocument(failing, "Bob", *copied, testsupport::container()),
-                 objc::Exception);
+    for (const fs::path& file : {inbox / "back.pdf", outside / "copied.pdf"})
+        EXPECT_THROW(
+            host::sendDocument(failing, "Bob", *attach(file, true), testsupport::container()),
+            objc::Exception);
     EXPECT_EQ(readFile(inbox / "back.pdf"), "moved");
     EXPECT_EQ(readFile(outside / "copied.pdf"), "copied");
     EXPECT_TRUE(failing.messages("Bob").empty());
@@ -532,9 +509,7 @@ TEST_F(DocumentSendingTest, AReadOnlyStoreIsReadButASendFailsWithTheReason) {
     write(outside / "report.pdf", "report");
     const std::size_t before = mediaFiles();
     ::testing::internal::CaptureStderr();
-    screen->sendDocumentAttachment(
-        WADocumentAttachment::create(NSURL::fileURL((outside / "report.pdf").string()).get(), false)
-            .get());
+    screen->sendDocumentAttachment(attach(outside / "report.pdf", false).get());
     drain();
     const std::string log = ::testing::internal::GetCapturedStderr();
     UIAlertView* alert = UIAlertView::topVisibleAlert();

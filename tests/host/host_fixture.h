@@ -1,5 +1,4 @@
-// The host's tests run as the app would: the app bundle as the main bundle,
-// a container of their own, English, an iPhone on iOS 9.
+// The host's tests run as the app would: its bundle as main bundle, own container, English, iOS 9.
 #pragma once
 
 #include "scratch_folder.h"
@@ -20,8 +19,7 @@
 namespace testsupport {
 
 // One container for the test program, made before any test touches the
-// user defaults or the main bundle. It lies in a device folder of its own,
-// beside the document providers, and goes with it when the program ends.
+// The program's one container, in a device folder beside the providers, made before any test.
 inline const std::filesystem::path& container() {
     static const ScratchFolder device("host-tests");
     static const std::filesystem::path path = [] {

@@ -1,11 +1,9 @@
-// A file that disappears while the file browser is still going away is not
-// sent. No script can act between the choice and the end of the browser's
-// dismissal, so this case drives the host's chat screen in this process,
-// with the library loaded into it as the messenger loads it.
+// A file gone while the browser is still going away is not sent; no script can act in that gap,
+// so this drives the host's chat screen in-process with the library loaded.
 #include "messenger_process.h"
 
-#include <Host/chat_store.h>
 #include <Host/WAChatSessionViewController.h>
+#include <Host/chat_store.h>
 
 #include <TolbrennDevTools/ParcelvaneFileBrowserViewController.h>
 

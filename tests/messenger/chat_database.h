@@ -1,5 +1,4 @@
-// Reads (and for tests, changes) the messenger's chat database, straight
-// through the SQLite file, as another program on the device would.
+// Reads (and for tests, changes) the messenger's chat database straight through the SQLite file.
 #pragma once
 
 #include <sqlite3.h>
@@ -24,8 +23,7 @@ inline std::string columnText(sqlite3_stmt* statement, int column) {
     return text != nullptr ? reinterpret_cast<const char*>(text) : "";
 }
 
-// The chat's documents in the order they were sent; nothing when the
-// database cannot be read (the caller's expectations then fail).
+// The chat's documents in the order sent; nothing when the database cannot be read.
 inline std::vector<StoredDocument> storedDocuments(const std::string& database,
                                                    const std::string& chat) {
     std::vector<StoredDocument> documents;

@@ -1,6 +1,4 @@
-// The chat's document flows end to end: the messenger runs scripts with and
-// without the library, and the tests look at what it printed and at what it
-// stored (the chat database, the media files).
+// The chat's document flows end to end: scripts run with and without the library.
 #include "chat_database.h"
 #include "messenger_process.h"
 
@@ -13,9 +11,7 @@ namespace {
 
 using namespace testsupport;
 
-// A device's worth of folders (--home): the app's container, the document
-// provider beside it (where the document menu browses), and a folder of the
-// user's files elsewhere (where the file browser goes).
+// A device's folders (--home): the container, a document provider, and the user's files.
 class ChatFlows : public ::testing::Test {
   protected:
     ChatFlows() {
@@ -35,9 +31,13 @@ class ChatFlows : public ::testing::Test {
     fs::path files() const { return base / "files"; }
     std::string database() const { return (home() / "Documents" / "ChatStorage.sqlite").string(); }
 
-    // Runs the script (written to a file beside the container) with the
-    // options; `library` injects the Parcelvane library.
-    Result runScript(const std::string& script, std::vector<std::string> options, bool library) {
+    // Runs the script, FILES and BASE standing for those folders; `library` injects Parcelvane.
+    Result runScript(std::string script, std::vector<std::string> options, bool library) {
+        for (const auto& [word, path] : {std::pair{std::string("FILES"), files().string()},
+                                         std::pair{std::string("BASE"), base.path()}}) {
+            for (std::size_t at; (at = script.find(word)) != std::string::npos;)
+                script.replace(at, word.size(), path);
+        }
         const fs::path file = base / "flow.script";
         std::ofstream(file) << script;
         std::vector<std::string> args{"--home", base.path(), "--script", file.string()};
@@ -131,11 +131,7 @@ cancel
 expect-not == File Browser ==
 quit
 )script";
-    std::string withPaths = script;
-    for (std::size_t at; (at = withPaths.find("FILES")) != std::string::npos;) {
-        withPaths.replace(at, 5, files().string());
-    }
-    const Result r = runScript(withPaths, {}, true);
+    const Result r = runScript(script, {}, true);
     ASSERT_EQ(r.status, 0) << r.out << r.err;
     EXPECT_TRUE(contains(r.out, "> choose \"Share Document (Parcelvane)\"\n== File Browser =="));
 
@@ -155,14 +151,12 @@ quit
     EXPECT_TRUE(fs::exists(files() / "notes.txt")) << "the user's own file is copied, not taken";
 }
 
-// `up` goes to the parent of the folder shown, however it was reached, and a
-// relative `open` starts at the folder shown. Names that hold control
-// characters are listed, chosen and sent escaped, never raw.
+// `up` and a relative `open` start at the folder shown; control characters are escaped.
 TEST_F(ChatFlows, TheBrowserMovesFromTheFolderShownAndNamesAreEscaped) {
     const std::string evil = "red\x1b[31m\nline.txt";
     std::ofstream(files() / "sub" / evil) << "x";
     std::ofstream(provider() / ("bell\x07.pdf")) << "%PDF";
-    std::string script = R"script(chat alice
+    const Result r = runScript(R"script(chat alice
 set send_documents_enabled true
 set send_filesystem_enabled true
 share
@@ -185,14 +179,8 @@ open BASE/files/sub/../sub
 expect Path: FILES/sub
 choose "red\x1b[31m\nline.txt"
 expect You: [document] red\x1b[31m\nline.txt (1 bytes
-)script";
-    for (const auto& [word, path] : {std::pair{std::string("FILES"), files().string()},
-                                     std::pair{std::string("BASE"), base.path()}}) {
-        for (std::size_t at; (at = script.find(word)) != std::string::npos;) {
-            script.replace(at, word.size(), path);
-        }
-    }
-    const Result r = runScript(script, {}, true);
+)script",
+                               {}, true);
     ASSERT_EQ(r.status, 0) << r.out << r.err;
     EXPECT_EQ(r.out.find('\x1b'), std::string::npos);
     EXPECT_EQ(r.out.find('\x07'), std::string::npos);
@@ -202,8 +190,7 @@ expect You: [document] red\x1b[31m\nline.txt (1 bytes
 
 TEST_F(ChatFlows, TwoCopiesOfTheLibraryEachHookOnceAndTheAttachMenuStillOpens) {
 #ifdef PARCELVANE_LIBRARY
-    // The same library installed twice under two paths: each copy's hooks
-    // must pass on to the other copy's, not to themselves.
+    // Installed twice under two paths: each copy's hooks pass on to the other's, not to themselves.
     std::vector<std::string> injections;
     for (const char* name : {"first.so", "second.so"}) {
         const fs::path copy = base / name;
@@ -219,11 +206,9 @@ TEST_F(ChatFlows, TwoCopiesOfTheLibraryEachHookOnceAndTheAttachMenuStillOpens) {
         "expect 7. Share Document (Parcelvane)\n"
         "expect-not 8.\n"
         "choose 6\n"
-        "open " +
-            files().string() +
-            "\n"
-            "choose notes.txt\n"
-            "expect You: [document] notes.txt (5 bytes\n",
+        "open FILES\n"
+        "choose notes.txt\n"
+        "expect You: [document] notes.txt (5 bytes\n",
         injections, false);
     EXPECT_EQ(r.status, 0) << r.out << r.err;
     EXPECT_EQ(count(storedDocuments(database(), "Alice"), "notes.txt"), 1);
@@ -263,11 +248,9 @@ TEST_F(ChatFlows, BeforeIOS8TheShareActionOpensTheFileBrowser) {
         "share\n"
         "expect == File Browser ==\n"
         "expect-not Document Menu\n"
-        "open " +
-            files().string() +
-            "\n"
-            "choose archive.zip\n"
-            "expect You: [document] archive.zip (3000 bytes\n",
+        "open FILES\n"
+        "choose archive.zip\n"
+        "expect You: [document] archive.zip (3000 bytes\n",
         {"--ios", "7.1"}, true);
     EXPECT_EQ(r.status, 0) << r.out << r.err;
     EXPECT_EQ(count(storedDocuments(database(), "Bob"), "archive.zip"), 1);
@@ -275,8 +258,7 @@ TEST_F(ChatFlows, BeforeIOS8TheShareActionOpensTheFileBrowser) {
 
 TEST_F(ChatFlows, ARestartShowsEachSendAsItReallyIs) {
     ASSERT_EQ(runScript("quit\n", {}, false).status, 0);
-    // Sends as a process left them: one whose process is gone (no process
-    // has that number), one whose process (this test) still runs.
+    // One send whose process is gone (no process has that number), one whose process still runs.
     const std::string row =
         "INSERT INTO messages (chat_id, kind, outgoing, file_name, size_in_bytes, uniform_type, "
         "date, state, progress, sender_pid) SELECT id, 1, 1, '";
@@ -295,8 +277,7 @@ expect You: [document] live.zip … sending 42%
 
 TEST_F(ChatFlows, ChatsThatCannotBeSavedAreStillShownAndASendSaysWhy) {
     ASSERT_EQ(runScript("quit\n", {}, false).status, 0);
-    // The journal cannot be made beside the database, as in a read-only
-    // folder (which does not stop root).
+    // The journal cannot be made beside the database, as in a read-only folder (not stopping root).
     fs::create_directory(database() + "-wal");
     const Result r = runScript("expect Chats cannot be saved: " + database() + R"script(
 chat alice

@@ -18,8 +18,7 @@ std::map<std::string, std::string> methodImages(const std::string& listing) {
     return images;
 }
 
-// Each method is named with the image its implementation lives in; an
-// unknown class fails.
+// Each method is named with the image its implementation lives in; an unknown class fails.
 TEST(DescribeClass, MethodsNameTheirImageAndAnUnknownClassFails) {
     const ScratchFolder home{"messenger-test"};
     const Result r =

@@ -1,5 +1,4 @@
-// Runs the built messenger as a child process with a script on its standard
-// input, and collects what it prints.
+// Runs the built messenger as a child process with a script on its input, collecting its output.
 #pragma once
 
 #include "scratch_folder.h"
@@ -56,11 +55,9 @@ inline bool isMachineSpecific(const std::string& name) {
 }
 
 // Runs the messenger with the arguments and the input. `env` adds or (with
-// an empty value) removes environment variables. The run does not depend on
-// the machine: MESSENGER_INSERT_LIBRARIES, the locale and the proxy settings
-// are not inherited, the language is English unless `--language` says
-// otherwise, and http goes to a loopback port that refuses connections
-// unless `env` names a proxy. `cwd`, when given, is its current folder.
+// Runs the messenger with arguments and input; `env` adds (or with "" removes) variables. The run
+// ignores the machine: no inherited libraries, locale or proxy; English unless `--language`; http
+// to a refusing loopback port unless `env` names a proxy. `cwd`, if given, is its folder.
 inline Result run(const std::vector<std::string>& args, const std::string& input = "",
                   const std::map<std::string, std::string>& env = {}, const fs::path& cwd = {}) {
     const ScratchFolder io("messenger-io");
@@ -106,8 +103,7 @@ inline Result run(const std::vector<std::string>& args, const std::string& input
         ADD_FAILURE() << "cannot start " << MESSENGER_PATH << ": " << std::strerror(spawned);
         return result;
     }
-    // A messenger that hangs (a hook calling itself) fails the test instead
-    // of stopping the suite.
+    // A messenger that hangs (a hook calling itself) fails the test instead of the suite.
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     int status = 0;
     bool killed = false;

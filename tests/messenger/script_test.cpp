@@ -1,5 +1,4 @@
-// Scripts: how they are read, echoed and checked, and how a failure ends
-// them.
+// Scripts: how they are read, echoed and checked, and how a failure ends them.
 #include "messenger_process.h"
 
 #include <algorithm>
@@ -36,8 +35,7 @@ TEST_F(Script, TheFirstUnmetExpectationEndsTheScriptWithItsLineAndTheScreen) {
     EXPECT_FALSE(contains(r.out, "a comment"));
     EXPECT_FALSE(contains(r.out, "> chat alice")) << "nothing after the failure runs";
     EXPECT_FALSE(contains(r.out, "== Family ==")) << "standard input is not read";
-    // The container and, beside it, the document menu's provider folder;
-    // nothing outside the device's folder.
+    // The container and the document menu's provider folder beside it; nothing outside.
     EXPECT_TRUE(fs::is_directory(device / "Container" / "Library" / "Preferences"));
     EXPECT_TRUE(fs::is_directory(device / "DocumentProviders" / "iCloud Drive"));
     std::vector<std::string> made;

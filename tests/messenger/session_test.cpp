@@ -32,8 +32,7 @@ TEST_F(Session, DefaultsWrittenWithSetSurviveARestart) {
 }
 
 TEST_F(Session, SetSaysWhenItsValueCouldNotBeSaved) {
-    // A file where the preferences folder belongs: no write there succeeds,
-    // not even root's.
+    // A file where the preferences folder belongs: no write there succeeds, not even root's.
     const fs::path library = home / "Container" / "Library";
     fs::create_directories(library);
     std::ofstream(library / "Preferences") << "not a folder";

@@ -1,7 +1,4 @@
-// The library's section in the host's Settings screen, end to end: the
-// messenger runs scripts with the library injected. Downloads of the icon
-// go through a proxy on the loopback, a server of the test's or a closed
-// port, so nothing leaves the machine.
+// The library's Settings section end to end; icon downloads only reach loopback proxies.
 #include "loopback_http_server.h"
 #include "messenger_process.h"
 #include "tiny_png.h"
@@ -117,8 +114,7 @@ expect 2.3 Enable Send System Files [off]
     EXPECT_FALSE(contains(second.out, "send_filesystem_enabled")) << second.out;
 }
 
-// Below iOS 8 the widened share action goes through the file browser, which
-// the system-files switch opens up; before the switches, the host's own menu.
+// Below iOS 8 the share action goes through the file browser once the system-files switch is on.
 TEST_F(SettingsSection, TurningOnAnyDocumentLetsTheShareActionSendAZip) {
     const fs::path files = base / "files";
     fs::create_directories(files);

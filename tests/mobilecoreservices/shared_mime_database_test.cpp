@@ -1,5 +1,4 @@
-// Reading made-up shared MIME-info databases: weights, case-sensitive globs,
-// directory precedence, aliases and subclasses, and bad input.
+// Made-up shared MIME-info databases: weights, globs, precedence, aliases, subclasses, bad input.
 #include <gtest/gtest.h>
 
 #include "shared_mime_database.h"

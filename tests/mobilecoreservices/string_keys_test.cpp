@@ -1,5 +1,4 @@
-// The case-insensitive keys read strings eight bytes at a time; they must
-// agree with a byte-by-byte reading at every length and for every byte.
+// Case-insensitive keys read eight bytes at a time: they must agree with a bytewise reading.
 #include <gtest/gtest.h>
 
 #include "string_keys.h"

@@ -1,5 +1,4 @@
-// The registry over a small table and a made-up MIME database, so that the
-// answers do not depend on this machine; and the dynamic identifiers' text.
+// The registry over a small table and a made-up MIME database, and dynamic identifiers' text.
 #include <gtest/gtest.h>
 
 #include "dynamic_identifier.h"

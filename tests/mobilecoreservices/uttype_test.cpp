@@ -12,8 +12,7 @@
 
 namespace {
 
-// Takes ownership of a Create/Copy result, as callers must (a result that
-// were not +1 would be freed twice under the address sanitizer).
+// Owns a Create/Copy result, as callers must (a result that were not +1 would be freed twice).
 std::string take(NSString* owned) {
     const auto held = objc::adopt(owned);
     return held ? held->utf8() : std::string("<nil>");

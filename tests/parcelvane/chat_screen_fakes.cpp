@@ -22,8 +22,7 @@ std::vector<std::string> eventNames() {
 const std::vector<parcelvane::hooks::HookResult>& libraryInstalled() {
     static const std::vector<parcelvane::hooks::HookResult> results = [] {
         const objc::AutoreleasePool pool;
-        // Two host classes as an older host has them: the settings screen
-        // lacks the method its hook stands in front of.
+        // Two host classes as an older host has them: the settings screen lacks the hooked method.
         for (const char* name : {"WAStaticTableViewController", "WASettingsViewController"}) {
             objc_registerClassPair(objc_allocateClassPair(NSObject::objcClass(), name, 0));
         }

@@ -1,6 +1,4 @@
-// Stand-ins for the host's side of the chat hooks: a chat screen and an
-// action sheet that record what the hooks ask of them, and recorders for
-// the calls a hook passes on through its slot.
+// Stand-ins for the host's side of the chat hooks, recording what the hooks ask and pass on.
 #pragma once
 
 #include "hooks/hook_installation.h"
@@ -27,9 +25,7 @@ struct Event {
 std::vector<Event>& events();
 std::vector<std::string> eventNames();
 
-// Installs the library's hook table once, as loading the library does, and
-// answers the results. This program has none of the host's classes: only the
-// platform's document menu is hooked.
+// Installs the library's hook table once, as loading does; here only the document menu is hooked.
 const std::vector<parcelvane::hooks::HookResult>& libraryInstalled();
 
 // Puts a recorder in a hook's slot and the previous content back afterwards.

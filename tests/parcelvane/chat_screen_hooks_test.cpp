@@ -1,6 +1,4 @@
-// The chat screen's hooks called as the host calls them, against a recording
-// chat screen and the platform's own document menu (whose initialiser this
-// test program's copy of the library replaced: see libraryInstalled).
+// The chat screen's hooks called as the host does, against fakes and the platform's document menu.
 #include <gtest/gtest.h>
 
 #include "chat_screen_fakes.h"
@@ -11,8 +9,8 @@
 #include <Foundation/NSArray.h>
 #include <Foundation/NSBundle.h>
 #include <Foundation/NSRunLoop.h>
-#include <UIKit/device_profile.h>
 #include <UIKit/UIDocumentMenuViewController.h>
+#include <UIKit/device_profile.h>
 
 #include <objc/message.h>
 
@@ -113,8 +111,7 @@ TEST_F(ChatScreenHooksTest, APickedFileIsSentOnTheNextTurnOfTheMainQueueIfItExis
     const SlotRecorder host(hooks::Original<&hooks::documentPickerDidPickDocumentAtURL>::imp,
                             SlotRecorder::Shape::TwoObjects);
     enable("send_documents_enabled", true);
-    // A URL that is no file URL: its whole text is a path, here relative to
-    // the current directory.
+    // A URL that is no file URL: its whole text is a path, relative to the current folder.
     const std::filesystem::path before = std::filesystem::current_path();
     const std::string home = NSBundle::mainBundle()->bundlePath()->utf8();
     std::filesystem::current_path(home);
@@ -170,8 +167,7 @@ TEST_F(ChatScreenHooksTest, OnlyTheAttachMenuGainsTheEntryUnderTheHostsTranslate
     // The sheet belongs to the chat while shown: its entry must not keep the chat.
     EXPECT_EQ(objc_retainCount(chat.get()), 1u);
 
-    // The flag lingers until the browser is asked for; with the setting off
-    // that only clears it.
+    // The flag lingers until the browser is asked for; with the setting off that only clears it.
     enable("send_filesystem_enabled", false);
     hooks::sendParcelvaneFile(chat.get(), objc::sel<"sendParcelvaneFile">());
     enable("send_filesystem_enabled", true);

@@ -1,6 +1,4 @@
-// ParcelvaneHelper's texts where they can go wrong (band edges, trimming,
-// single-precision quirks the user sees), the choice of translation, and the
-// presentation of the file browser and of the plain alert.
+// ParcelvaneHelper's texts where they go wrong, its translation, the browser and the plain alert.
 #include "scratch_folder.h"
 
 #include <gtest/gtest.h>
@@ -77,8 +75,7 @@ TEST_F(FormattingTest, LargeNumbersTakeTheLargestSuffixThatFits) {
 
 // ---- Translations ------------------------------------------------------------------
 
-// The main bundle is a scratch folder with the given localisations, and the
-// user prefers the given languages.
+// The main bundle is a scratch folder with these localisations; the user prefers these languages.
 class TranslationTest : public ::testing::Test {
   protected:
     ~TranslationTest() override { reset(); }

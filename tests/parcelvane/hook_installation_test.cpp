@@ -1,5 +1,4 @@
-// Hook installation happens once per process, when the library loads, so
-// the hook probe loads it in a process of its own.
+// Hooks are installed once per process, at load, so the hook probe runs in a process of its own.
 #include <gtest/gtest.h>
 
 #include <sys/wait.h>

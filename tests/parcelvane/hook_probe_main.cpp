@@ -1,7 +1,5 @@
-// The library loaded twice into a process of its own: defines stand-ins for
-// the host's classes, loads two copies of the library (whose load-time
-// initialisers install the hooks) and checks the result. Prints one line per
-// check; exits 1 at the first failed one, 2 when the library cannot be loaded.
+// Loads two copies of the library beside stand-in host classes and checks the hooks, one line
+// each; exits 1 at the first failed check, 2 when the library cannot be loaded.
 #include "hook_probe_toolkit.h"
 #include "scratch_folder.h"
 
@@ -34,9 +32,7 @@ void* loadLibrary(const char* path = PARCELVANE_LIBRARY) {
     return handle;
 }
 
-// The library installed twice, from two paths: each copy keeps its own
-// slots, so the second copy's hooks pass on to the first copy's and those to
-// the host's; a copy bound to the other's slots would call itself for ever.
+// Two copies each keep their own slots: the second's hooks pass on to the first's, then the host's.
 void twoCopies() {
     const Class chatBase =
         defineClass<kBase>("ProbeChatBase", NSObject::objcClass(), kChatReplaced);

@@ -55,8 +55,7 @@ NSMutableArray* sectionList(id, SEL) {
     return list.get();
 }
 
-// The arguments every send passes; the second is the picker that
-// documentMenu:didPickDocumentPicker: styles.
+// The arguments every send passes; the second is the picker documentMenu:didPick... styles.
 id argument(int which) {
     static const Class cls = definePart("ProbeArgument", {"setModalPresentationStyle:"});
     static const objc::Strong<objc_object> made[] = {instanceOf(cls), instanceOf(cls)};

@@ -1,5 +1,4 @@
-// The hook probe's means: stand-ins for host methods that record their calls,
-// classes made of them, and checks of where the library put its hooks.
+// The hook probe's means: recording stand-ins for host methods, classes of them, hook checks.
 #pragma once
 
 #include <objc/message.h>
@@ -81,15 +80,13 @@ Class defineClass(const char* name, Class superclass,
     return cls;
 }
 
-// WATableSection, WATableRow and a `_sections` list for the table class: what
-// the library's Settings section sends to once the host's set-up has run.
+// WATableSection, WATableRow and a `_sections` list: what the library's Settings section uses.
 void defineTableParts(Class table);
 
 Class classNamed(const char* name);
 // The method the class itself defines for the selector (not an inherited one).
 Method ownMethod(Class cls, const std::string& selector);
 
-// Sends the selector to a fresh instance and checks that exactly one stand-in
-// of it ran, the owner's, with the same receiver and arguments.
+// Sends the selector to a fresh instance; only the owner's stand-in ran, with the same arguments.
 void expectPassedOn(Class cls, const std::string& selector, const char* owner);
 }  // namespace testsupport

@@ -1,5 +1,4 @@
-// The installation of hook rows, in order, on classes of this test's own;
-// and the library's own table in this program, which lacks the host.
+// Hook rows installed in order on this test's own classes, and the library's table here.
 #include <gtest/gtest.h>
 
 #include "chat_screen_fakes.h"
@@ -90,8 +89,7 @@ TEST(HookRows, AnswerOneResultEachAndPassCallsOnToWhatTheyReplaced) {
         EXPECT_EQ(objc::msgSend<id>(object.get(), probe, argument.get()), argument.get());
         return seen;
     };
-    // Without a method of its own the class falls back to its superclass's;
-    // a subclass instance reaches it too, rather than the replacement again.
+    // Without its own method the class falls back to its superclass's, also for a subclass.
     EXPECT_EQ(send(hooked), "ra");
     EXPECT_EQ(send(subclass), "ra");
     // The superclass's implementation as it is at each call.
@@ -103,8 +101,7 @@ TEST(HookRows, AnswerOneResultEachAndPassCallsOnToWhatTheyReplaced) {
 }
 
 TEST(HookRows, AHostClassWithoutTheMethodLeavesOnlyThatRowOut) {
-    // This program has the platform's document menu, no chat screen, and
-    // settings classes without setupTableView (see libraryInstalled).
+    // This program has the document menu, no chat screen, settings without setupTableView.
     std::vector<HookResult> expected(hookTable().size(), ClassMissing);
     expected[0] = Installed;
     expected[8] = Installed;

@@ -1,5 +1,4 @@
-// ParcelvaneHelper's device, screen and host-version queries where they can
-// go wrong: version parsing, numeric comparison, the screen's long side.
+// ParcelvaneHelper's device queries: version parsing, numeric comparison, the screen's long side.
 #include <gtest/gtest.h>
 
 #include "scratch_defaults.h"

@@ -36,8 +36,7 @@ TEST_F(PreferencesTest, AMissingKeyReadsAsTheDefaultAndEveryReadSeesTheLatestWri
     EXPECT_FLOAT_EQ(GetFloat(key), 3.75f);
 }
 
-// Readers on several threads make and drop observing settings while another
-// thread keeps changing the key they observe.
+// Readers on several threads make and drop observing settings while another changes the key.
 TEST_F(PreferencesTest, ReadsFromManyThreadsWhileTheKeyChanges) {
     NSString* key = parcelvane::keys::docOptions();
     std::atomic<bool> stop{false};

@@ -1,6 +1,4 @@
-// STSetting against the process's standard user defaults (pointed at a
-// scratch container): reads and writes go straight through, and every live
-// setting of a key hears of every change of that key.
+// STSetting against the standard defaults in a scratch container: writes go through, settings hear.
 #include <gtest/gtest.h>
 
 #include "defaults_spy.h"
@@ -65,8 +63,7 @@ TEST_F(SettingTest, EveryLiveSettingOfTheKeyHearsOfAChangeOnce) {
     const auto bystander = counted(NSSTR("other mode"), bystanderChanges);
 
     DefaultsSpy spy;
-    // Equal but distinct: written once; each setting's echo is the object
-    // now stored, which is not written again.
+    // Equal but distinct: written once; each echo is the stored object, not written again.
     writer->setValue(second);
     ASSERT_EQ(spy.writes.size(), 1u);
     EXPECT_EQ(spy.writes[0].value.get(), second.get());
@@ -106,9 +103,8 @@ TEST_F(SettingTest, AHandlerMayReplaceItselfWhileItRuns) {
     EXPECT_EQ(replacementCalls, 2);
 }
 
-// When the key is removed, the change carries the NSNull marker, which is not
-// the (absent) stored value, so each setting hands it to setObject:forKey:.
-// The defaults refuse it; the key stays absent and every handler runs.
+// A removal's change carries NSNull, which each setting hands to setObject:forKey: and the
+// defaults refuse: the key stays absent and every handler runs.
 TEST_F(SettingTest, ARemovalPassesTheNullMarkerOnAndLeavesTheKeyAbsent) {
     defaults()->setObjectForKey(NSSTR("present"), NSSTR("removed"));
     int firstChanges = 0, secondChanges = 0;

@@ -1,5 +1,4 @@
-// The runtime's interface used from C: the header compiles as C and the
-// functions are found under their plain names.
+// The runtime's interface from C: the header compiles as C and the plain names are found.
 #define _GNU_SOURCE
 #include <objc/runtime.h>
 

@@ -24,12 +24,6 @@ using objc::sel;
 int tripleAdd(id self, SEL, int n) {
     return static_cast<Counter*>(self)->value_ += 3 * n;
 }
-int returnsSeven(id, SEL) {
-    return 7;
-}
-int returnsEight(id, SEL) {
-    return 8;
-}
 template <int N>
 int returnsN(id, SEL) {
     return N;
@@ -60,7 +54,7 @@ TEST(Classes, AddMethodAddsAnInheritedSelectorAndRefusesAnOwnOne) {
     // add: is only inherited: adding it to the class itself succeeds.
     EXPECT_TRUE(class_addMethod(cls, sel<"add:">(), own, "i@:i"));
     // Now the class implements it: a second add is refused and changes nothing.
-    EXPECT_FALSE(class_addMethod(cls, sel<"add:">(), reinterpret_cast<IMP>(&returnsSeven), "i@:"));
+    EXPECT_FALSE(class_addMethod(cls, sel<"add:">(), reinterpret_cast<IMP>(&returnsN<7>), "i@:"));
     EXPECT_EQ(method_getImplementation(class_getInstanceMethod(cls, sel<"add:">())), own);
     EXPECT_FALSE(class_addMethod(nullptr, sel<"add:">(), own, "i@:i"));
     EXPECT_EQ(objc_allocateClassPair(NSObject::objcClass(), "AddMethodCounter", 0), nullptr);
@@ -76,17 +70,15 @@ TEST(Classes, AddMethodAddsAnInheritedSelectorAndRefusesAnOwnOne) {
 TEST(Classes, ReplaceMethodAnswersThePreviousImplementation) {
     const Class cls = objc_allocateClassPair(NSObject::objcClass(), "ReplaceMethodTarget", 0);
     objc_registerClassPair(cls);
-    EXPECT_EQ(
-        class_replaceMethod(cls, sel<"number">(), reinterpret_cast<IMP>(&returnsSeven), "i@:"),
-        nullptr);
+    EXPECT_EQ(class_replaceMethod(cls, sel<"number">(), reinterpret_cast<IMP>(&returnsN<7>), "i@:"),
+              nullptr);
     const id obj = msgSend<id>(cls, sel<"new">());
     EXPECT_EQ(msgSend<int>(obj, sel<"number">()), 7);
-    EXPECT_EQ(
-        class_replaceMethod(cls, sel<"number">(), reinterpret_cast<IMP>(&returnsEight), "i@:"),
-        reinterpret_cast<IMP>(&returnsSeven));
+    EXPECT_EQ(class_replaceMethod(cls, sel<"number">(), reinterpret_cast<IMP>(&returnsN<8>), "i@:"),
+              reinterpret_cast<IMP>(&returnsN<7>));
     EXPECT_EQ(msgSend<int>(obj, sel<"number">()), 8);
     EXPECT_EQ(class_getMethodImplementation(cls, sel<"number">()),
-              reinterpret_cast<IMP>(&returnsEight));
+              reinterpret_cast<IMP>(&returnsN<8>));
     // A selector nobody implements resolves to the forwarding entry, never null.
     EXPECT_NE(class_getMethodImplementation(cls, sel<"noSuchMethod">()), nullptr);
     objc_release(obj);
@@ -104,12 +96,10 @@ TEST(Classes, RacingAddsAndReplacesNeverLoseAnImplementation) {
     for (int i = 0; i < kSelectors; ++i) {
         sels.push_back(sel_registerName(("raced" + std::to_string(i)).c_str()));
     }
-    // Per selector: every implementation that took effect, and every one
-    // handed back as replaced.
+    // Per selector: every implementation that took effect, and every one handed back.
     std::vector<std::multiset<IMP>> installed(kSelectors), returned(kSelectors);
     std::mutex resultsLock;
-    // All threads go for each selector together, so that their lookups and
-    // additions interleave.
+    // All threads go for each selector together, so their lookups and additions interleave.
     std::barrier round(kThreads);
     std::vector<std::thread> threads;
     for (int t = 0; t < kThreads; ++t) {
@@ -207,8 +197,7 @@ TEST(Classes, PropertiesFromMembersFollowTheirOptions) {
                  "Tq,R,N,V_count");
     EXPECT_STREQ(property_getAttributes(class_getProperty(Tally::objcClass(), "name")),
                  "T@\"NSString\",C,V_name");
-    // A subclass that overrides nothing: the super send still starts above
-    // Tally, not above the receiver's class (which would run init twice).
+    // In a subclass the super send still starts above Tally (else init would run twice).
     const Class child = objc_allocateClassPair(Tally::objcClass(), "TallyChild", 0);
     objc_registerClassPair(child);
     const auto grown = objc::adopt(static_cast<Tally*>(objc::makeInstance("TallyChild").leak()));

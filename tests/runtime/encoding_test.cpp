@@ -68,8 +68,7 @@ static_assert(encodes<NSInteger>("q") && encodes<NSUInteger>("Q"));
 static_assert(encodes<float>("f") && encodes<double>("d") && encodes<long double>("D"));
 static_assert(encodes<const int>("i") && encodes<volatile double>("d"));
 static_assert(encodes<Mode>("S") && encodes<Legacy>("i"));
-// An enumeration encodes as its underlying type, so methods keep the encodings
-// they had when such values were plain integers.
+// An enumeration encodes as its underlying type, so methods keep their integer encodings.
 static_assert(encodes<Row>(encodingOf<NSInteger>()) &&
               encodes<NSStringCompareOptions>(encodingOf<NSUInteger>()));
 static_assert(std::string_view(methodEncoding<Row, NSStringCompareOptions>()) ==

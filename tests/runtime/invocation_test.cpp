@@ -60,8 +60,7 @@ class InvRecorder : public NSObject {
     void imp_failPlainly() { throw std::runtime_error("plain C++ failure"); }
 };
 
-// Answers the recorder's signatures, keeps each forwarded invocation and
-// sends it on to its target.
+// Answers the recorder's signatures, keeps each forwarded invocation and sends it to its target.
 class InvForwarder : public NSObject {
     OBJC_CLASS(InvForwarder)
 
@@ -130,8 +129,7 @@ NSInvocation* recorderInvocation(id target, SEL s, A... args) {
     return inv;
 }
 
-// Invokes the message and reads the result into a buffer guarded on both sides,
-// so that a copy of the wrong size shows.
+// Invokes and reads the result into a buffer guarded on both sides, so a wrong-sized copy shows.
 template <class R, class... A>
 R invokeAndRead(id target, SEL s, A... args) {
     objc::AutoreleasePool pool;
@@ -170,8 +168,7 @@ TEST(MethodSignature, RejectsBadEncodingsAndIndexes) {
                 testing::StartsWith("NSInvalidArgumentException"));
     EXPECT_THROW(NSMethodSignature::signatureWithObjCTypes("v"), objc::Exception);
     EXPECT_THROW(NSMethodSignature::signatureWithObjCTypes(nullptr), objc::Exception);
-    // A 3.6 GB frame is refused, not allocated; a layout libffi would get
-    // wrong is refused too.
+    // A 3.6 GB frame is refused, not allocated, and so is a layout libffi would get wrong.
     EXPECT_THAT(
         reasonOf([] { NSMethodSignature::signatureWithObjCTypes("v@:{a=[60000{b=[60000c]}]}"); }),
         testing::StartsWith("NSInvalidArgumentException"));

@@ -137,8 +137,7 @@ TEST(TypeInfoTest, MalformedEncodingsThrow) {
     }
 }
 
-// The libffi description agrees with the parsed layout, both as handed out and
-// when libffi lays the same elements out itself.
+// The libffi description agrees with the parsed layout, also when libffi lays it out itself.
 TEST(TypeInfoFfiTest, LayoutMatchesParsedLayout) {
     for (const char* text :
          {"{CGRect={CGPoint=dd}{CGSize=dd}}", "{X=ci}", "{X=cD}", "[4s]", "{Y=c[3s]q}", "(U=id)",
@@ -164,8 +163,7 @@ TEST(TypeInfoFfiTest, LayoutMatchesParsedLayout) {
     EXPECT_EQ(parse("D").ffiType(), &ffi_type_longdouble);
     EXPECT_EQ(parse("@?").ffiType(), &ffi_type_pointer);
     EXPECT_THROW(parse("[100000c]").ffiType(), EncodingError);
-    // A zero-length array pads (16 bytes) but gives libffi no element (2):
-    // refused rather than passed with its last member misplaced.
+    // A zero-length array pads (16) but gives libffi no element (2): refused, not misplaced.
     EXPECT_EQ(parse("{=c[0d]c}").size, 16u);
     EXPECT_THROW(parse("{=c[0d]c}").ffiType(), EncodingError);
     EXPECT_THROW(parse("{=c[0d]}").ffiType(), EncodingError);

@@ -1,5 +1,4 @@
-// Records every -[NSUserDefaults setObject:forKey:] while it lives (and passes
-// it on), to tell which keys were written and with what. One spy at a time.
+// Records every -[NSUserDefaults setObject:forKey:] while it lives, passing it on. One at a time.
 #pragma once
 
 #include <Foundation/NSUserDefaults.h>

@@ -1,31 +1,16 @@
-// A tiny HTTP/1.1 server on 127.0.0.1 for tests: canned responses by path,
-// served from a background thread, with the request lines it received kept
-// for inspection.
-//
-// It also answers as an http proxy would: a request whose target is an
-// absolute URL ("GET http://some.host/x HTTP/1.1", as a client sends to its
-// proxy) is matched by the URL's path, and the line is recorded as sent, so
-// a test can point http_proxy at the server and check that the request came
-// through it.
-//
-//   LoopbackHttpServer server;
-//   server.respond("/icon.png", CannedResponse::ok(bytes));
-//   setenv("http_proxy", server.baseURL().c_str(), 1);
-//   ... download "http://maker.example/icon.png" ...
-//   EXPECT_EQ(server.requestLines().at(0), "GET http://maker.example/icon.png HTTP/1.1");
-//
-// Unknown paths get a 404. Connections are served one at a time; a delayed
-// response waits without blocking the destructor, which stops the thread.
+// A tiny HTTP/1.1 server on 127.0.0.1 for tests: canned responses by path (404 otherwise),
+// served one connection at a time from a thread, request lines kept. It also answers as a
+// proxy: an absolute-URL target is matched by its path and its line recorded as sent.
 #pragma once
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <poll.h>
+#include <strings.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <atomic>
-#include <cctype>
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
@@ -39,15 +24,11 @@
 
 namespace testsupport {
 
-// What the server answers for a path. Built by chaining, since -Wextra
-// rejects designated initializers that leave members out:
-//   CannedResponse::ok("body").delayed(50ms)
-//   CannedResponse::withStatus(302).header("Location", "/elsewhere")
+// What the server answers for a path; chained, as -Wextra rejects partial designated initialisers.
 struct CannedResponse {
     int status = 200;
     std::string body;
     std::vector<std::pair<std::string, std::string>> headers;
-    // Waited before answering.
     std::chrono::milliseconds delay{0};
     // Without a Content-Length the body ends when the connection closes.
     bool sendContentLength = true;
@@ -181,16 +162,9 @@ class LoopbackHttpServer {
             if (end == std::string::npos || end == start) break;
             const std::string line = head.substr(start, end - start);
             const auto colon = line.find(':');
-            if (colon != std::string::npos && colon == name.size()) {
-                bool same = true;
-                for (std::size_t i = 0; i < colon; ++i) {
-                    same = same && std::tolower(static_cast<unsigned char>(line[i])) ==
-                                       std::tolower(static_cast<unsigned char>(name[i]));
-                }
-                if (same) {
-                    const auto value = line.find_first_not_of(' ', colon + 1);
-                    return value == std::string::npos ? "" : line.substr(value);
-                }
+            if (colon == name.size() && ::strncasecmp(line.c_str(), name.c_str(), colon) == 0) {
+                const auto value = line.find_first_not_of(' ', colon + 1);
+                return value == std::string::npos ? "" : line.substr(value);
             }
             at = end;
         }
@@ -198,20 +172,13 @@ class LoopbackHttpServer {
     }
 
     static const char* reason(int status) {
-        switch (status) {
-            case 200:
-                return "OK";
-            case 301:
-                return "Moved Permanently";
-            case 302:
-                return "Found";
-            case 404:
-                return "Not Found";
-            case 500:
-                return "Internal Server Error";
-            default:
-                return "Status";
-        }
+        const std::map<int, const char*> reasons{{200, "OK"},
+                                                 {301, "Moved Permanently"},
+                                                 {302, "Found"},
+                                                 {404, "Not Found"},
+                                                 {500, "Internal Server Error"}};
+        const auto found = reasons.find(status);
+        return found == reasons.end() ? "Status" : found->second;
     }
 
     void handle(int client) {

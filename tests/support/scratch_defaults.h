@@ -1,5 +1,4 @@
-// Points the process's standard user defaults (and its main bundle) at a
-// fresh container for the length of one test, and back afterwards.
+// Points the standard user defaults (and main bundle) at a fresh container for one test.
 #pragma once
 
 #include "scratch_folder.h"

@@ -1,8 +1,4 @@
-// A fresh folder in the temporary folder ($TMPDIR), removed with everything
-// in it when the object goes: a test leaves nothing behind.
-//
-//   const testsupport::ScratchFolder scratch("pv-picker");
-//   const std::string file = scratch.write("Docs/a.pdf", "%PDF");
+// A fresh folder in $TMPDIR, removed with everything in it when the object goes.
 #pragma once
 
 #include <stdlib.h>

@@ -1,5 +1,4 @@
-// A real PNG small enough to embed: 2 x 2 RGBA pixels, red and green over
-// blue and half-transparent white.
+// A real 2 x 2 RGBA PNG: red and green over blue and half-transparent white.
 #pragma once
 
 #include <cstdint>

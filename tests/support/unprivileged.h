@@ -1,17 +1,6 @@
-// Runs part of a test as an ordinary user. The tests run as root in CI, and
-// root reads any folder, so a permission check is only seen from an account
-// without privileges: the part runs in a child process that has given up root
-// for the user nobody. The caller prepares the files first (as root) and
-// leaves the way to them open to that user.
-//
-//   const std::string failure = testsupport::runUnprivileged([&]() -> std::string {
-//       if (canRead(locked)) return "read a folder without permission";
-//       return {};
-//   });
-//   EXPECT_EQ(failure, "");
-//
-// The body reports through its answer, not with EXPECT_*: in the child,
-// GoogleTest's results never reach the parent.
+// Runs part of a test as the user nobody in a child process, since root (as in CI) reads any
+// folder and hides permission faults. The body answers "" when its checks hold, else what went
+// wrong (EXPECT_* in the child never reaches the parent).
 #pragma once
 
 #include <fcntl.h>
@@ -31,9 +20,7 @@ namespace testsupport {
 inline constexpr uid_t kNobodyUser = 65534;
 inline constexpr gid_t kNobodyGroup = 65534;
 
-// Runs `body` as nobody in a child process when this process is root, else
-// here. `body` answers an empty text when its checks hold, else what went
-// wrong; runUnprivileged answers that, or why the child could not run or end.
+// Runs `body` as nobody when root, else here; answers its answer or why the child failed.
 inline std::string runUnprivileged(const std::function<std::string()>& body) {
     if (::geteuid() != 0) return body();
     const auto failed = [](const char* what) {

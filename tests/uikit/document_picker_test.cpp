@@ -50,8 +50,7 @@ std::vector<std::string> names(const std::vector<UIDocumentPickerViewController:
     return out;
 }
 
-// A scratch root holding an app container ("App") and a provider folder
-// with a PDF, a zip archive and a sub-folder holding a Word document.
+// A scratch root: an app container ("App") and a provider folder with a PDF, zip, and sub-folder.
 class DocumentPickerTest : public UIKitTest {
   protected:
     void SetUp() override {

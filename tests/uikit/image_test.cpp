@@ -1,5 +1,4 @@
-// PNG decoding into UIImage. The PNG files below were written by hand (zlib
-// stream plus chunk CRCs), so the decoder is checked against independent bytes.
+// PNG decoding into UIImage, against hand-written files (zlib stream and chunk CRCs).
 #include <UIKit/UIImage.h>
 
 #include <Foundation/NSData.h>
@@ -97,8 +96,7 @@ TEST(ImageDecoding, AnswersNilForBytesThatAreNotAWholePNG) {
     damaged[45] ^= 0x5a;
     EXPECT_EQ(UIImage::imageWithData(dataOf(damaged)), nullptr);
 
-    // A header claiming huge dimensions is refused before any allocation;
-    // the header's checksum is fixed so that only the size is wrong.
+    // A header claiming huge dimensions (checksum fixed) is refused before any allocation.
     std::vector<std::uint8_t> huge(kGray1x1, kGray1x1 + sizeof kGray1x1);
     huge[16] = huge[20] = 0x00;
     huge[17] = huge[21] = 0x01;  // 65536 x 65536

@@ -1,5 +1,4 @@
-// Test doubles written as real runtime classes: a controller that logs its
-// appearance messages and a delegate that logs what it hears.
+// Test doubles as runtime classes: a controller logging appearance and a delegate logging calls.
 #pragma once
 
 #include <UIKit/UIKit.h>
@@ -33,8 +32,8 @@ class RecordingViewController : public UIViewController {
 };
 
 // Answers the alert-view delegate messages (logging "clicked:N",
-// "willDismiss:N", "didDismiss:N", "willPresent", "didPresent") and the
-// popover ones ("shouldDismiss", "didDismissPopover").
+// Logs the alert-view delegate messages ("clicked:N", "willDismiss:N", "didDismiss:N",
+// "willPresent", "didPresent") and the popover ones ("shouldDismiss", "didDismissPopover").
 class RecordingDelegate : public NSObject {
     OBJC_CLASS(RecordingDelegate)
 

@@ -1,5 +1,4 @@
-// UIControl target-action as UISwitch uses it: who hears a toggle, with what
-// argument, and who does not.
+// UIControl target-action as UISwitch uses it: who hears a toggle, with what argument.
 #include <UIKit/UISwitch.h>
 
 #include <objc/image.h>
@@ -123,8 +122,7 @@ TEST_F(SwitchTest, TargetsAreNotRetainedAndMayLeaveDuringAnAction) {
     control->addTargetActionForControlEvents(leaver.get(), kChanged, UIControlEventValueChanged);
     EXPECT_EQ(objc_retainCount(leaver.get()), before);
     control->addTargetActionForControlEvents(other.get(), kChanged, UIControlEventValueChanged);
-    // The first target unregisters the second while the actions are sent:
-    // the second, though chosen before, hears nothing.
+    // The first target unregisters the second while actions are sent: the second hears nothing.
     leaver->control = control.get();
     leaver->evict = other.get();
     control->userToggle();

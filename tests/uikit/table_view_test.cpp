@@ -58,8 +58,7 @@ void CellSource::objcDefine(objc::ClassBuilder<CellSource>& b) {
         .method<&CellSource::imp_header>("tableView:titleForHeaderInSection:");
 }
 
-// Logs selection messages as "will:s.r", "did:s.r", "deselect:s.r"; may
-// redirect or refuse a selection.
+// Logs "will:s.r", "did:s.r", "deselect:s.r"; may redirect or refuse a selection.
 class SelectionDelegate : public NSObject {
     OBJC_CLASS(SelectionDelegate)
 

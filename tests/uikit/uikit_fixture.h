@@ -1,5 +1,4 @@
-// A clean UI state per test: the default device, nothing left on screen and
-// the main queue drained.
+// A clean UI state per test: the default device, nothing on screen, the main queue drained.
 #pragma once
 
 #include "recorders.h"

@@ -1,10 +1,5 @@
-// The library's code in a process that has the host's own classes, installed
-// as loading the library into the messenger installs it: once the host's
-// classes exist, by the test program's environment, before the first test.
-//
-// No test may reach the network: the environment points http_proxy at a
-// loopback port that refuses every connection, so a download the library
-// starts fails at once unless a test points the proxy at a server of its own.
+// Installs the library once the host's classes exist, before the first test, as the messenger
+// does; http_proxy points at a refusing loopback port, so no test reaches the network.
 #pragma once
 
 #include "hooks/hook_installation.h"

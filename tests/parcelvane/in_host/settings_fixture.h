@@ -1,6 +1,4 @@
-// The host's Settings screen with the library loaded: a fresh container
-// (which is also the main bundle), a chosen system version, and the screen
-// at the root of a navigation controller.
+// The host's Settings screen with the library: a fresh container, a system version, in navigation.
 #pragma once
 
 #include "parcelvane/in_host/library_loader.h"
@@ -14,9 +12,9 @@
 #include <Foundation/NSRunLoop.h>
 #include <Foundation/NSUserDefaults.h>
 #include <Foundation/process_environment.h>
-#include <UIKit/device_profile.h>
 #include <UIKit/UINavigationController.h>
 #include <UIKit/UITableViewCell.h>
+#include <UIKit/device_profile.h>
 
 #include <objc/strong.h>
 
@@ -38,11 +36,9 @@ class SettingsScreenTest : public ::testing::Test {
     }
 
     ~SettingsScreenTest() override {
-        // Background downloads hand their result to the main queue: let
-        // them finish before the screen goes.
+        // Background downloads hand their result to the main queue: let them finish first.
         foundation::runMainLoopUntilIdle(true);
-        // The rows' handlers hold the screen; the host lets the rows go when
-        // the screen leaves, which this stands for.
+        // The rows' handlers hold the screen; the host lets the rows go when the screen leaves.
         if (settings) settings->sectionsArray()->removeAllObjects();
         navigation.reset();
         settings.reset();
@@ -52,8 +48,7 @@ class SettingsScreenTest : public ::testing::Test {
         foundation::configureProcess({});
     }
 
-    // Shows the Settings screen (its view loads, which builds the table) on
-    // a device with the system version.
+    // Shows the Settings screen (loading its view builds the table) on that system version.
     void open(const std::string& systemVersion) {
         auto profile = uikit::DeviceProfile::defaultProfile();
         profile.systemVersion = systemVersion;

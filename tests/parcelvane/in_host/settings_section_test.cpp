@@ -1,6 +1,4 @@
-// The library's section in the host's real Settings screen, for what the
-// messenger's scripts cannot see: the switches' writes and globals, a host
-// that keeps its sections, and the icon's download.
+// The library's section in the host's real Settings screen, beyond what scripts can see.
 #include "hooks/settings_switches.h"
 #include "parcelvane/in_host/settings_fixture.h"
 #include "support/defaults_spy.h"
@@ -21,36 +19,30 @@
 
 namespace {
 
-using testsupport::SettingsScreenTest;
 using testsupport::DefaultsSpy;
+using testsupport::SettingsScreenTest;
 
 // Counts -[NSUserDefaults synchronize] while it lives, and passes it on.
 class SynchronizeCounter {
   public:
     SynchronizeCounter() {
-        calls() = 0;
-        saved() = method_setImplementation(method(), reinterpret_cast<IMP>(&counted));
+        calls = 0;
+        saved = method_setImplementation(method(), reinterpret_cast<IMP>(&counted));
     }
-    ~SynchronizeCounter() { method_setImplementation(method(), saved()); }
+    ~SynchronizeCounter() { method_setImplementation(method(), saved); }
     SynchronizeCounter(const SynchronizeCounter&) = delete;
     SynchronizeCounter& operator=(const SynchronizeCounter&) = delete;
 
-    static int& calls() {
-        static int n = 0;
-        return n;
-    }
+    static inline int calls = 0;
 
   private:
     static Method method() {
         return class_getInstanceMethod(NSUserDefaults::objcClass(), objc::sel<"synchronize">());
     }
-    static IMP& saved() {
-        static IMP imp = nullptr;
-        return imp;
-    }
+    static inline IMP saved = nullptr;
     static bool counted(id self, SEL sel) {
-        ++calls();
-        return objc::callImp<bool>(saved(), self, sel);
+        ++calls;
+        return objc::callImp<bool>(saved, self, sel);
     }
 };
 
@@ -73,7 +65,7 @@ TEST_F(LegacySettingsTest, EachSwitchWritesOnlyItsOwnKeyThenSynchronises) {
         ASSERT_EQ(spy.writes.size(), 1u);
         EXPECT_EQ(spy.writes[0].key, keys[i]);
         EXPECT_EQ(spy.writes[0].value.get(), static_cast<id>(NSNumber::numberWithBool(true)));
-        EXPECT_EQ(SynchronizeCounter::calls(), 1);
+        EXPECT_EQ(SynchronizeCounter::calls, 1);
     }
     const auto stranger = UISwitch::create();
     stranger->setTag(35);
@@ -83,7 +75,7 @@ TEST_F(LegacySettingsTest, EachSwitchWritesOnlyItsOwnKeyThenSynchronises) {
     objc::msgSend<void>(settings.get(), objc::sel<"_didToggleEnableDisable:">(),
                         static_cast<id>(stranger.get()));
     EXPECT_TRUE(spy.writes.empty()) << "a sender with another tag";
-    EXPECT_EQ(SynchronizeCounter::calls(), 1);
+    EXPECT_EQ(SynchronizeCounter::calls, 1);
 }
 
 TEST_F(LegacySettingsTest, ARebuildReplacesTheGlobalsAndReleasesTheOldSwitches) {
@@ -119,17 +111,16 @@ TEST_F(LegacySettingsTest, ARebuildReplacesTheGlobalsAndReleasesTheOldSwitches) 
     EXPECT_TRUE(*gone);
 }
 
-// While it lives, the host's set-up keeps the sections it built before: it
-// starts by emptying its list, and that one list ignores the request.
+// While it lives, the host's set-up keeps its earlier sections: that one list ignores emptying.
 class KeepingHost {
   public:
     explicit KeepingHost(NSMutableArray* sections) {
-        kept() = sections;
-        saved() = method_setImplementation(method(), reinterpret_cast<IMP>(&removeAll));
+        kept = sections;
+        saved = method_setImplementation(method(), reinterpret_cast<IMP>(&removeAll));
     }
     ~KeepingHost() {
-        method_setImplementation(method(), saved());
-        kept() = nullptr;
+        method_setImplementation(method(), saved);
+        kept = nullptr;
     }
     KeepingHost(const KeepingHost&) = delete;
     KeepingHost& operator=(const KeepingHost&) = delete;
@@ -139,16 +130,10 @@ class KeepingHost {
         return class_getInstanceMethod(NSMutableArray::objcClass(),
                                        objc::sel<"removeAllObjects">());
     }
-    static NSMutableArray*& kept() {
-        static NSMutableArray* list = nullptr;
-        return list;
-    }
-    static IMP& saved() {
-        static IMP imp = nullptr;
-        return imp;
-    }
+    static inline NSMutableArray* kept = nullptr;
+    static inline IMP saved = nullptr;
     static void removeAll(id self, SEL sel) {
-        if (self != kept()) objc::callImp<void>(saved(), self, sel);
+        if (self != kept) objc::callImp<void>(saved, self, sel);
     }
 };
 
@@ -166,8 +151,7 @@ TEST_F(SettingsScreenTest, ASecondBuildOnAKeptTableInsertsASecondSectionAtIndexO
 }
 
 TEST_F(SettingsScreenTest, TheSettingsRowDeselectsAndPushesTheSettingsPage) {
-    // The page is another part of the library; without it a bare view
-    // controller of that name stands in.
+    // The page is another part of the library; without it a bare controller of that name stands in.
     Class page = objc_getClass("ParcelvaneSetTableViewController");
     if (page == nullptr) {
         page = objc_allocateClassPair(UIViewController::objcClass(),
@@ -185,8 +169,7 @@ TEST_F(SettingsScreenTest, TheSettingsRowDeselectsAndPushesTheSettingsPage) {
 
 class SettingsIconTest : public SettingsScreenTest {
   protected:
-    // Downloads go through the server until the fixture puts the refusing
-    // proxy back.
+    // Downloads go through the server until the fixture puts the refusing proxy back.
     SettingsIconTest() { ::setenv("http_proxy", server.baseURL().c_str(), 1); }
     UIImage* icon() const { return cellAt(0)->imageView()->image(); }
     static void settle() { foundation::runMainLoopUntilIdle(true); }
