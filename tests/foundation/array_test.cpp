@@ -41,8 +41,11 @@ objc::Exception raised(F&& f) {
     return objc::Exception("", "nothing raised");
 }
 
-TEST(Array, IndexErrorsRaiseRangeExceptionsWithThePlatformWording) {
+struct Array : ::testing::Test {
     objc::AutoreleasePool pool;
+};
+
+TEST_F(Array, IndexErrorsAndNilElementsRaiseWithThePlatformWording) {
     auto array = NSArray::create({NSSTR("a"), NSSTR("b"), NSSTR("c")});
     auto e = raised([&] { array->objectAtIndex(5); });
     EXPECT_EQ(e.name(), "NSRangeException");
@@ -64,24 +67,21 @@ TEST(Array, IndexErrorsRaiseRangeExceptionsWithThePlatformWording) {
     mutableArray->removeAllObjects();
     mutableArray->removeLastObject();  // nothing to remove: no effect
     EXPECT_EQ(mutableArray->count(), 0u);
-}
-
-TEST(Array, NilElementsRaiseInvalidArgument) {
-    objc::AutoreleasePool pool;
+    // Nil elements raise an invalid argument.
     const std::string invalid = "NSInvalidArgumentException";
     EXPECT_EQ(raised([] { NSArray::create({NSSTR("a"), nullptr}); }).name(), invalid);
     EXPECT_EQ(raised([] { NSArray::arrayWithObject(nullptr); }).name(), invalid);
-    auto array = NSMutableArray::create({NSSTR("a")});
-    EXPECT_EQ(raised([&] { array->addObject(nullptr); }).name(), invalid);
-    EXPECT_EQ(raised([&] { array->insertObjectAtIndex(nullptr, 0); }).name(), invalid);
-    EXPECT_EQ(raised([&] { array->setObjectAtIndexedSubscript(nullptr, 0); }).name(), invalid);
-    EXPECT_EQ(array->count(), 1u);  // nothing half-done
+    mutableArray->addObject(NSSTR("a"));
+    EXPECT_EQ(raised([&] { mutableArray->addObject(nullptr); }).name(), invalid);
+    EXPECT_EQ(raised([&] { mutableArray->insertObjectAtIndex(nullptr, 0); }).name(), invalid);
+    EXPECT_EQ(raised([&] { mutableArray->setObjectAtIndexedSubscript(nullptr, 0); }).name(),
+              invalid);
+    EXPECT_EQ(mutableArray->count(), 1u);  // nothing half-done
     const id objects[] = {NSSTR("a"), nullptr};
     EXPECT_EQ(raised([&] { NSArray::arrayWithObjectsCount(objects, 2); }).name(), invalid);
 }
 
-TEST(Array, MutationDuringEnumerationRaisesInsteadOfMisbehaving) {
-    objc::AutoreleasePool pool;
+TEST_F(Array, MutationDuringEnumerationRaisesInsteadOfMisbehaving) {
     auto array = NSMutableArray::create({NSSTR("a"), NSSTR("b"), NSSTR("c")});
     auto e = raised([&] {
         for (id element : *array) {
@@ -107,8 +107,7 @@ TEST(Array, MutationDuringEnumerationRaisesInsteadOfMisbehaving) {
     EXPECT_EQ(array->count(), 1u);
 }
 
-TEST(Array, EqualityFollowsElementsAndAgreesWithHash) {
-    objc::AutoreleasePool pool;
+TEST_F(Array, EqualityFollowsElementsAndAgreesWithHash) {
     // Built separately: equal, never identical.
     auto one = NSArray::create({S("x"), S("y")});
     auto two = NSMutableArray::create({S("x"), S("y")});
@@ -131,8 +130,7 @@ TEST(Array, EqualityFollowsElementsAndAgreesWithHash) {
     EXPECT_EQ(array->count(), 2u);
 }
 
-TEST(Array, SortsStablyBySelectorAndByComparator) {
-    objc::AutoreleasePool pool;
+TEST_F(Array, SortsStablyBySelectorAndByComparator) {
     auto words = NSArray::create({NSSTR("pear"), NSSTR("apple"), NSSTR("fig"), NSSTR("banana")});
     NSArray* sorted = words->sortedArrayUsingSelector(objc::sel<"compare:">());
     EXPECT_EQ(text(sorted->componentsJoinedByString(NSSTR(" "))), "apple banana fig pear");
@@ -157,8 +155,7 @@ TEST(Array, SortsStablyBySelectorAndByComparator) {
               "NSInvalidArgumentException");
 }
 
-TEST(Array, InconsistentComparatorsNeverBreakTheArray) {
-    objc::AutoreleasePool pool;
+TEST_F(Array, InconsistentComparatorsNeverBreakTheArray) {
     std::vector<objc::Strong<NSNumber>> numbers;
     std::vector<id> raw;
     for (int i = 0; i < 200; ++i) {
@@ -189,7 +186,7 @@ TEST(Array, InconsistentComparatorsNeverBreakTheArray) {
     EXPECT_EQ(raised([&] { array->sortUsingComparator(meddler); }).name(), "NSGenericException");
 }
 
-TEST(Array, HoldsAndReleasesItsElements) {
+TEST_F(Array, HoldsAndReleasesItsElements) {
     const int before = ArrayTestTracked::deaths;
     {
         objc::AutoreleasePool pool;
@@ -216,8 +213,7 @@ TEST(Array, HoldsAndReleasesItsElements) {
     EXPECT_EQ(ArrayTestTracked::deaths, before + 4);
 }
 
-TEST(Array, CopiesAreImmutableSnapshots) {
-    objc::AutoreleasePool pool;
+TEST_F(Array, CopiesAreImmutableSnapshots) {
     auto immutable = NSArray::create({NSSTR("a")});
     auto mutableCopy = objc::adopt(static_cast<NSMutableArray*>(immutable->mutableCopy()));
     mutableCopy->addObject(NSSTR("b"));

@@ -61,8 +61,11 @@ std::string joined(NSArray* array) {
     return text(array->componentsJoinedByString(NSSTR(",")));
 }
 
-TEST(Dictionary, MutableKeysAreCopiedOnInsertion) {
+struct Dictionary : ::testing::Test {
     objc::AutoreleasePool pool;
+};
+
+TEST_F(Dictionary, MutableKeysAreCopiedOnInsertion) {
     auto key = NSMutableString::create("alpha");
     auto dict = NSMutableDictionary::create();
     dict->setObjectForKey(NSSTR("first"), key);
@@ -84,8 +87,7 @@ TEST(Dictionary, MutableKeysAreCopiedOnInsertion) {
     EXPECT_EQ(text(dict->objectForKey(DictionaryTestKey::make(42))), "w");
 }
 
-TEST(Dictionary, NilKeysAndObjectsRaiseAndANilSubscriptRemoves) {
-    objc::AutoreleasePool pool;
+TEST_F(Dictionary, NilKeysAndObjectsRaiseAndANilSubscriptRemoves) {
     const std::string invalid = "NSInvalidArgumentException";
     auto dict = NSMutableDictionary::create({{NSSTR("a"), NSSTR("1")}});
     EXPECT_EQ(raisedName([&] { dict->setObjectForKey(nullptr, NSSTR("k")); }), invalid);
@@ -104,8 +106,7 @@ TEST(Dictionary, NilKeysAndObjectsRaiseAndANilSubscriptRemoves) {
     EXPECT_EQ(dict->count(), 0u);
 }
 
-TEST(Dictionary, MutationDuringEnumerationRaises) {
-    objc::AutoreleasePool pool;
+TEST_F(Dictionary, EnumerationFollowsInsertionOrderAndRaisesOnMutation) {
     auto dict = NSMutableDictionary::create({{NSSTR("a"), NSSTR("1")}, {NSSTR("b"), NSSTR("2")}});
     EXPECT_EQ(raisedName([&] {
                   dict->forEach([&](id, id) { dict->setObjectForKey(NSSTR("x"), NSSTR("new")); });
@@ -120,25 +121,21 @@ TEST(Dictionary, MutationDuringEnumerationRaises) {
                   dict->forEach([&](id key, id) { dict->setObjectForKey(NSSTR("0"), key); });
               }),
               "NSGenericException");
-}
-
-TEST(Dictionary, EnumeratesInInsertionOrder) {
-    objc::AutoreleasePool pool;
-    auto dict = NSMutableDictionary::create();
+    // Enumeration follows insertion order.
+    auto ordered = NSMutableDictionary::create();
     for (const char* k : {"delta", "alpha", "charlie", "bravo"}) {
-        dict->setObjectForKey(str(std::string(k) + "!"), str(k));
+        ordered->setObjectForKey(str(std::string(k) + "!"), str(k));
     }
-    dict->removeObjectForKey(NSSTR("alpha"));
-    dict->setObjectForKey(NSSTR("again"), NSSTR("alpha"));
-    EXPECT_EQ(joined(dict->allKeys()), "delta,charlie,bravo,alpha");
-    EXPECT_EQ(joined(dict->allValues()), "delta!,charlie!,bravo!,again");
+    ordered->removeObjectForKey(NSSTR("alpha"));
+    ordered->setObjectForKey(NSSTR("again"), NSSTR("alpha"));
+    EXPECT_EQ(joined(ordered->allKeys()), "delta,charlie,bravo,alpha");
+    EXPECT_EQ(joined(ordered->allValues()), "delta!,charlie!,bravo!,again");
     std::string order;
-    dict->forEach([&](id key, id) { order += text(key).substr(0, 1); });
+    ordered->forEach([&](id key, id) { order += text(key).substr(0, 1); });
     EXPECT_EQ(order, "dcba");
 }
 
-TEST(Dictionary, SurvivesGrowthRemovalAndCollisions) {
-    objc::AutoreleasePool pool;
+TEST_F(Dictionary, SurvivesGrowthRemovalAndCollisions) {
     // Every key hashes into one of seven buckets, so probes pass many others.
     auto dict = NSMutableDictionary::create();
     for (int i = 0; i < 600; ++i) {
@@ -170,7 +167,7 @@ TEST(Dictionary, SurvivesGrowthRemovalAndCollisions) {
     EXPECT_EQ(strings->objectForKey(str("key5")), nullptr);
 }
 
-TEST(Dictionary, HoldsKeysAndValuesUntilRemoved) {
+TEST_F(Dictionary, HoldsKeysAndValuesUntilRemoved) {
     const int before = DictionaryTestKey::deaths;
     {
         objc::AutoreleasePool pool;

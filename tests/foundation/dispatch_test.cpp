@@ -52,13 +52,16 @@ dispatch_queue_t globalQueue() {
     return dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0);
 }
 
+struct Dispatch : ::testing::Test {
+    objc::AutoreleasePool pool;
+};
+
 }  // namespace
 
 OBJC_DEFINE_CLASS(DispatchTestTracked, NSObject, "DispatchTestTracked")
 void DispatchTestTracked::objcDefine(objc::ClassBuilder<DispatchTestTracked>&) {}
 
-TEST(DispatchMainQueue, RunsOnlyOnTheMainThreadWhenTheLoopRuns) {
-    objc::AutoreleasePool pool;
+TEST_F(Dispatch, MainQueueRunsOnlyOnTheMainThreadWhenTheLoopRuns) {
     std::atomic<int> ran{0};
     std::atomic<bool> onMain{false};
     dispatch_async(dispatch_get_main_queue(), [&] {
@@ -80,8 +83,7 @@ TEST(DispatchMainQueue, RunsOnlyOnTheMainThreadWhenTheLoopRuns) {
 }
 
 // The download pattern: fetch on a worker, hand the result to the main thread, run until it came.
-TEST(DispatchMainQueue, BackgroundResultHandedBackRunsOnTheNextDrain) {
-    objc::AutoreleasePool pool;
+TEST_F(Dispatch, MainQueueBackgroundResultHandedBackRunsOnTheNextDrain) {
     Signal release;
     std::string result;  // written on the main thread only
     dispatch_async(dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_LOW, 0), [&] {
@@ -101,8 +103,7 @@ TEST(DispatchMainQueue, BackgroundResultHandedBackRunsOnTheNextDrain) {
     EXPECT_EQ(result, "payload");
 }
 
-TEST(DispatchMainQueue, SyncRunsOnTheMainThreadAndRefusesToDeadlockIt) {
-    objc::AutoreleasePool pool;
+TEST_F(Dispatch, MainQueueSyncRunsOnTheMainThreadAndRefusesToDeadlockIt) {
     std::atomic<bool> ranOnMain{false};
     std::atomic<bool> returnedAfter{false};
     dispatch_async(globalQueue(), [&] {
@@ -118,8 +119,7 @@ TEST(DispatchMainQueue, SyncRunsOnTheMainThreadAndRefusesToDeadlockIt) {
     EXPECT_FALSE(ran);
 }
 
-TEST(DispatchGlobalQueues, RunOffTheMainThreadConcurrently) {
-    objc::AutoreleasePool pool;
+TEST_F(Dispatch, GlobalQueuesRunOffTheMainThreadConcurrently) {
     ASSERT_GE(foundation::dispatchWorkerLimit(), 2u);
     Signal firstStarted;
     Signal secondStarted;
@@ -142,8 +142,7 @@ TEST(DispatchGlobalQueues, RunOffTheMainThreadConcurrently) {
     EXPECT_TRUE(overlapped.load());
 }
 
-TEST(DispatchGlobalQueues, JobsLetGoOfBlocksAndAutoreleasedObjectsWhenTheyEnd) {
-    objc::AutoreleasePool pool;
+TEST_F(Dispatch, GlobalQueuesJobsLetGoOfBlocksAndAutoreleasedObjectsWhenTheyEnd) {
     const int before = DispatchTestTracked::alive.load();
     std::atomic<int> aliveInside{0};
     dispatch_group_t group = dispatch_group_create();
@@ -182,8 +181,7 @@ TEST(DispatchGlobalQueuesDeathTest, AnExceptionInAJobEndsTheProcessWithAReport) 
         "uncaught exception 'NSInvalidArgumentException', reason: 'bad input in a job'");
 }
 
-TEST(DispatchSerialQueues, RunOneJobAtATimeInFifoOrder) {
-    objc::AutoreleasePool pool;
+TEST_F(Dispatch, SerialQueuesRunOneJobAtATimeInFifoOrder) {
     dispatch_queue_t queue = dispatch_queue_create("test.serial", DISPATCH_QUEUE_SERIAL);
     std::vector<int> order;  // guarded by the queue itself
     std::atomic<int> inFlight{0};
@@ -209,8 +207,7 @@ TEST(DispatchSerialQueues, RunOneJobAtATimeInFifoOrder) {
     for (int i = 0; i < 200; ++i) ASSERT_EQ(order[i], i);
 }
 
-TEST(DispatchSerialQueues, SyncRunsOnTheCallingThreadAndRefusesToDeadlock) {
-    objc::AutoreleasePool pool;
+TEST_F(Dispatch, SerialQueueSyncRunsOnTheCallingThreadAndRefusesToDeadlock) {
     dispatch_queue_t queue = dispatch_queue_create("test.sync", DISPATCH_QUEUE_SERIAL);
     bool onMain = false;
     bool raised = false;
@@ -233,8 +230,7 @@ TEST(DispatchSerialQueues, SyncRunsOnTheCallingThreadAndRefusesToDeadlock) {
     dispatch_release(queue);
 }
 
-TEST(DispatchConcurrentQueues, RunJobsTogetherAndSyncInline) {
-    objc::AutoreleasePool pool;
+TEST_F(Dispatch, ConcurrentQueuesRunJobsTogetherAndSyncInline) {
     dispatch_queue_t queue = dispatch_queue_create("test.concurrent", DISPATCH_QUEUE_CONCURRENT);
     Signal a;
     Signal b;
@@ -255,8 +251,7 @@ TEST(DispatchConcurrentQueues, RunJobsTogetherAndSyncInline) {
     EXPECT_TRUE(overlapped.load());
 }
 
-TEST(DispatchAfter, FiresInTimeOrderAndNeverEarly) {
-    objc::AutoreleasePool pool;
+TEST_F(Dispatch, AfterFiresInTimeOrderAndNeverEarly) {
     const auto start = Clock::now();
     std::vector<std::string> order;
     bool early = false;
@@ -276,10 +271,7 @@ TEST(DispatchAfter, FiresInTimeOrderAndNeverEarly) {
     NSRunLoop::mainRunLoop()->runFor(20s);
     EXPECT_EQ(order, (std::vector<std::string>{"now", "a", "b", "c", "stop"}));
     EXPECT_FALSE(early);
-}
-
-TEST(DispatchAfter, IdleDoesNotWaitForTimersNotYetDue) {
-    objc::AutoreleasePool pool;
+    // Idle does not wait for timers not yet due.
     auto block = objc::makeBlock<void()>([] { ADD_FAILURE() << "an hour has not passed"; });
     dispatch_after(dispatch_time(DISPATCH_TIME_NOW, 3600 * NSEC_PER_SEC), dispatch_get_main_queue(),
                    block.get());
@@ -289,7 +281,7 @@ TEST(DispatchAfter, IdleDoesNotWaitForTimersNotYetDue) {
     EXPECT_EQ(objc_retainCount(block.get()), 2u);  // ours and the hour's timer
 }
 
-TEST(DispatchOnce, RunsExactlyOnceAcrossRacingThreads) {
+TEST_F(Dispatch, OnceRunsExactlyOnceAcrossRacingThreads) {
     for (int round = 0; round < 20; ++round) {
         static_assert(std::is_same_v<dispatch_once_t, long>);
         dispatch_once_t predicate = 0;
@@ -316,8 +308,7 @@ TEST(DispatchOnce, RunsExactlyOnceAcrossRacingThreads) {
     }
 }
 
-TEST(DispatchOnce, BlocksFailuresAndRecursion) {
-    objc::AutoreleasePool pool;
+TEST_F(Dispatch, OnceBlocksFailuresAndRecursion) {
     dispatch_once_t predicate = 0;
     int calls = 0;
     auto block = objc::makeBlock<void()>([&] { ++calls; });
@@ -334,8 +325,7 @@ TEST(DispatchOnce, BlocksFailuresAndRecursion) {
     EXPECT_THROW(dispatch_once(&nested, [&] { dispatch_once(&nested, [] {}); }), objc::Exception);
 }
 
-TEST(DispatchGroups, NotifyAndWaitFollowTheCount) {
-    objc::AutoreleasePool pool;
+TEST_F(Dispatch, GroupsNotifyAndWaitFollowTheCount) {
     dispatch_group_t group = dispatch_group_create();
     dispatch_queue_t serial = dispatch_queue_create("test.group", DISPATCH_QUEUE_SERIAL);
     std::atomic<int> done{0};
@@ -364,8 +354,7 @@ TEST(DispatchGroups, NotifyAndWaitFollowTheCount) {
 }
 
 // Workers waiting on other queued work must not starve the pool.
-TEST(DispatchGroups, WaitingWorkersDoNotStarveThePool) {
-    objc::AutoreleasePool pool;
+TEST_F(Dispatch, GroupsWaitingWorkersDoNotStarveThePool) {
     const std::size_t waiters = foundation::dispatchWorkerLimit() * 2;
     dispatch_group_t outer = dispatch_group_create();
     std::atomic<int> inner{0};

@@ -24,7 +24,7 @@ class StringTest : public ::testing::Test {
     objc::AutoreleasePool pool_;
 };
 
-TEST_F(StringTest, LengthsAndIndexesCountUtf16Units) {
+TEST_F(StringTest, LengthsAndIndexesCountUtf16UnitsAndAreChecked) {
     NSString* s = S("a😀b");  // the emoji takes a surrogate pair
     EXPECT_EQ(s->length(), 4u);
     EXPECT_EQ(s->characterAtIndex(1), 0xD83D);
@@ -32,10 +32,8 @@ TEST_F(StringTest, LengthsAndIndexesCountUtf16Units) {
     EXPECT_EQ(text(s->substringWithRange(NSMakeRange(1, 2))), "😀");
     EXPECT_EQ(s->rangeOfString(S("b")).location, 3u);
     EXPECT_EQ(S("é")->length(), 1u);
-}
-
-TEST_F(StringTest, SubstringsOutOfRangeRaiseRangeException) {
-    NSString* s = S("hello");
+    // Substrings out of range raise a range exception.
+    s = S("hello");
     EXPECT_EQ(text(s->substringFromIndex(5)), "");
     EXPECT_EQ(text(s->substringWithRange(NSMakeRange(5, 0))), "");
     for (const NSRange r : {NSMakeRange(3, 3), NSMakeRange(6, 0), NSMakeRange(2, ~NSUInteger{0})}) {
@@ -92,7 +90,7 @@ TEST_F(StringTest, NumericCompareOrdersVersionNumbers) {
     EXPECT_EQ(S("2.12.5")->compare(S("2.9")), NSOrderedAscending);
 }
 
-TEST_F(StringTest, FloatingValuesTakeTheLongestNumberPrefix) {
+TEST_F(StringTest, NumberValuesTakeTheLongestPrefixAndSaturate) {
     EXPECT_EQ(S("8.4.1")->floatValue(), 8.4f);
     EXPECT_EQ(S("  -2.5e2xyz")->doubleValue(), -250.0);
     EXPECT_EQ(S("+.5")->doubleValue(), 0.5);
@@ -101,9 +99,7 @@ TEST_F(StringTest, FloatingValuesTakeTheLongestNumberPrefix) {
     EXPECT_EQ(S(".")->doubleValue(), 0.0);
     EXPECT_TRUE(std::isinf(S("1e999")->doubleValue()));
     EXPECT_EQ(S("1e-999")->doubleValue(), 0.0);
-}
-
-TEST_F(StringTest, IntegerValuesSaturate) {
+    // Integer values saturate.
     EXPECT_EQ(S("  -42a")->intValue(), -42);
     EXPECT_EQ(S("3.9")->intValue(), 3);
     EXPECT_EQ(S("- 3")->intValue(), 0);
@@ -113,9 +109,7 @@ TEST_F(StringTest, IntegerValuesSaturate) {
     EXPECT_EQ(S("99999999999999999999")->longLongValue(), LLONG_MAX);
     EXPECT_EQ(S("-9223372036854775808")->longLongValue(), LLONG_MIN);
     EXPECT_EQ(S("-99999999999999999999")->integerValue(), LONG_MIN);
-}
-
-TEST_F(StringTest, BoolValueLooksAtTheFirstSignificantCharacter) {
+    // A bool value looks at the first significant character.
     for (const char* yes : {"YES", "yes", "true", "T", "1", "  +0012", "-5", "9"}) {
         EXPECT_TRUE(S(yes)->boolValue()) << yes;
     }
@@ -124,7 +118,7 @@ TEST_F(StringTest, BoolValueLooksAtTheFirstSignificantCharacter) {
     }
 }
 
-TEST_F(StringTest, PathComponents) {
+TEST_F(StringTest, PathComponentsAndStandardizing) {
     EXPECT_EQ(text(S("/tmp/lock/")->lastPathComponent()), "lock");
     EXPECT_EQ(text(S("/")->lastPathComponent()), "/");
     EXPECT_EQ(text(S("/tmp/archive.tar.gz")->pathExtension()), "gz");
@@ -145,9 +139,7 @@ TEST_F(StringTest, PathComponents) {
               (std::vector<std::string>{"/", "tmp", "a", "/"}));
     EXPECT_EQ(texts(S("a//b")->pathComponents()), (std::vector<std::string>{"a", "b"}));
     EXPECT_FALSE(S("x/y")->isAbsolutePath());
-}
-
-TEST_F(StringTest, StandardizingResolvesDotsInAbsolutePathsOnly) {
+    // Standardizing resolves dots in absolute paths only.
     EXPECT_EQ(text(S("/a//b/./c/../d/")->stringByStandardizingPath()), "/a/b/d");
     EXPECT_EQ(text(S("/..")->stringByStandardizingPath()), "/");
     EXPECT_EQ(text(S("a/./../b")->stringByStandardizingPath()), "a/../b");

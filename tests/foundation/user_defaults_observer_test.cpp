@@ -102,37 +102,31 @@ TEST_F(DefaultsObserving, ObserversGetNewValuesAndNullOnRemoval) {
     defaults->removeObserver(observer, S("volume"));
 }
 
-TEST_F(DefaultsObserving, OnlyObserversOfTheChangedKeyAreTold) {
-    auto a = objc::make<DefaultsObserver>();
-    auto b = objc::make<DefaultsObserver>();
-    defaults->addObserver(a, S("alpha"), kNew, nullptr);
-    defaults->addObserver(b, S("beta"), kNew, nullptr);
+TEST_F(DefaultsObserving, OnlyObserversOfAChangedKeyAreTold) {
+    auto other = objc::make<DefaultsObserver>();
+    defaults->addObserver(observer, S("alpha"), kNew, nullptr);
+    defaults->addObserver(other, S("beta"), kNew, nullptr);
     defaults->setObjectForKey(S("1"), S("alpha"));
     defaults->setObjectForKey(S("2"), S("gamma"));
     defaults->setDoubleForKey(1.0, S("beta"));
-    EXPECT_EQ(a->count(), 1u);
-    EXPECT_EQ(b->count(), 1u);
+    EXPECT_EQ(observer->count(), 1u);
+    EXPECT_EQ(other->count(), 1u);
     // A refused value is no change.
     EXPECT_THROW(defaults->setObjectForKey(objc::make<NSObject>(), S("alpha")), objc::Exception);
-    EXPECT_EQ(a->count(), 1u);
-    defaults->removeObserver(a, S("alpha"));
-    defaults->removeObserver(b, S("beta"));
-}
-
-TEST_F(DefaultsObserving, RegisteringADefaultTellsObserversOfKeysWithoutValues) {
-    defaults->setObjectForKey(S("mine"), S("set"));
-    defaults->addObserver(observer, S("set"), kNew, nullptr);
+    EXPECT_EQ(observer->count(), 1u);
+    // Registering a default tells observers of keys without values only.
     defaults->addObserver(observer, S("unset"), kNew, nullptr);
     defaults->registerDefaults(
-        NSDictionary::create({{S("set"), S("default")}, {S("unset"), S("default")}}));
-    ASSERT_EQ(observer->count(), 1u);
-    EXPECT_EQ(observer->notes()[0].key, "unset");
-    // Removing the value of a key with a default: the key now answers the default.
-    defaults->removeObjectForKey(S("set"));
+        NSDictionary::create({{S("alpha"), S("default")}, {S("unset"), S("default")}}));
     ASSERT_EQ(observer->count(), 2u);
-    EXPECT_TRUE(S("default")->isEqual(changeValue(observer->notes()[1], NSKeyValueChangeNewKey)));
-    defaults->removeObserver(observer, S("set"));
+    EXPECT_EQ(observer->notes()[1].key, "unset");
+    // Removing the value of a key with a default: the key now answers the default.
+    defaults->removeObjectForKey(S("alpha"));
+    ASSERT_EQ(observer->count(), 3u);
+    EXPECT_TRUE(S("default")->isEqual(changeValue(observer->notes()[2], NSKeyValueChangeNewKey)));
+    defaults->removeObserver(observer, S("alpha"));
     defaults->removeObserver(observer, S("unset"));
+    defaults->removeObserver(other, S("beta"));
 }
 
 TEST_F(DefaultsObserving, ObserversSeeTheStoreAlreadyUpdatedAndMayWriteIt) {
@@ -247,11 +241,10 @@ TEST_F(DefaultsObserving, ThreadsWritingWhileObserversComeAndGo) {
             }
         });
     }
-    threads[0].join();
-    threads[1].join();
-    stop = true;
-    threads[2].join();
-    threads[3].join();
+    for (int t = 0; t < 4; ++t) {
+        if (t == 2) stop = true;
+        threads[t].join();
+    }
     // 2000 sets per writer, plus a removal every third one.
     EXPECT_EQ(steady->count(), 2u * (2000 + 667));
     defaults->removeObserver(steady, S("shared"));

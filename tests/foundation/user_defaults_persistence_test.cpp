@@ -36,9 +36,12 @@ std::vector<std::string> filesIn(const std::string& folder) {
     return names;
 }
 
-TEST(DefaultsPersistence, ValuesSurviveIntoANewInstanceWithTheirKinds) {
+struct DefaultsPersistence : ::testing::Test {
     objc::AutoreleasePool pool;
     ScratchFolder folder;
+};
+
+TEST_F(DefaultsPersistence, ValuesSurviveIntoANewInstanceWithTheirKinds) {
     const std::string file = folder / "Library/Preferences/app.plist";  // folders are created
     {
         auto defaults = NSUserDefaults::create(file);
@@ -83,18 +86,14 @@ bool appearsOnDisk(const std::string& file, NSString* key, NSObject* text) {
     return false;
 }
 
-TEST(DefaultsPersistence, ChangesReachTheDiskSoonWithoutSynchronize) {
-    objc::AutoreleasePool pool;
-    ScratchFolder folder;
+TEST_F(DefaultsPersistence, ChangesReachTheDiskSoonWithoutSynchronize) {
     const std::string file = folder / "app.plist";
     auto defaults = NSUserDefaults::create(file);
     for (int i = 0; i <= 100; ++i) defaults->setIntegerForKey(i, S("burst"));
     EXPECT_TRUE(appearsOnDisk(file, S("burst"), NSNumber::create(100).get()));
 }
 
-TEST(DefaultsPersistence, ChangesThatCannotBeSavedStayPendingUntilTheFolderCanBeWritten) {
-    objc::AutoreleasePool pool;
-    ScratchFolder folder;
+TEST_F(DefaultsPersistence, ChangesThatCannotBeSavedStayPendingUntilTheFolderCanBeWritten) {
     // A file where the folder belongs stops root as well as anybody.
     folder.write("Preferences", "not a folder");
     const std::string file = folder / "Preferences/app.plist";
@@ -112,9 +111,7 @@ TEST(DefaultsPersistence, ChangesThatCannotBeSavedStayPendingUntilTheFolderCanBe
     EXPECT_EQ(defaults->lastSaveError(), "");
 }
 
-TEST(DefaultsPersistence, UnreadableFilesAreKeptAsideAndDefaultsStartEmpty) {
-    objc::AutoreleasePool pool;
-    ScratchFolder folder;
+TEST_F(DefaultsPersistence, UnreadableFilesAreKeptAsideAndDefaultsStartEmpty) {
     const std::string file = folder / "app.plist";
     const std::vector<std::string> broken = {
         "not a property list at all",
@@ -175,9 +172,7 @@ int waitFor(pid_t pid) {
     return status;
 }
 
-TEST(DefaultsPersistence, ProcessesSharingAFileKeepEachOthersChanges) {
-    objc::AutoreleasePool pool;
-    ScratchFolder folder;
+TEST_F(DefaultsPersistence, ProcessesSharingAFileKeepEachOthersChanges) {
     const std::string file = folder / "app.plist";
     // This process read the file before the others changed it.
     auto mine = NSUserDefaults::create(file);
@@ -211,13 +206,12 @@ TEST(DefaultsPersistence, ProcessesSharingAFileKeepEachOthersChanges) {
     }
 }
 
-TEST(DefaultsPersistence, AProcessKilledAtAnyMomentLeavesEveryAcknowledgedValue) {
-    ScratchFolder folder;
+TEST_F(DefaultsPersistence, AProcessKilledAtAnyMomentLeavesEveryAcknowledgedValue) {
     const std::string file = folder / "app.plist";
     std::mt19937 random(std::random_device{}());
     long lastAcknowledged = 0;
     for (int round = 0; round < 8; ++round) {
-        objc::AutoreleasePool pool;
+        objc::AutoreleasePool turn;
         Child child = spawn({file, "loop"});
         // Once it writes (its first acknowledgement), let it run a random while, then kill it.
         std::string received;
