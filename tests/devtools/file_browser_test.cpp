@@ -75,15 +75,19 @@ TEST_F(FileBrowserTest, ListsFoldersFirstThenFilesSortedAsPeopleSortNamesWithSiz
     EXPECT_EQ(Browser::formatSize(1'500'000'000), "1.5 GB");
 }
 
-TEST_F(FileBrowserTest, DanglingAndLoopingLinksAreListedButCannotBeOpenedOrChosen) {
-    temp.link("dangling", temp / "gone");
+TEST_F(FileBrowserTest, WhatCannotBeOpenedOrChosenSaysSoAndTheBrowserStays) {
+    temp.link("dangling", temp / "missing");
     temp.link("a", temp / "b");
     temp.link("b", temp / "a");
+    temp.folder("gone");
+    temp.folder("now-a-file");
     bool chosen = false;
     auto browser = browserAt(temp.path());
+    auto nav = UINavigationController::create(browser.get());
     browser->setDidSelectFile(
         objc::makeBlock<void(id, NSString*)>([&](id, NSString*) { chosen = true; }).get());
-    ASSERT_EQ(names(browser.get()), (std::vector<std::string>{"a", "b", "dangling"}));
+    ASSERT_EQ(names(browser.get()),
+              (std::vector<std::string>{"gone", "now-a-file", "a", "b", "dangling"}));
     EXPECT_EQ(entry(browser.get(), "a").kind, Kind::BrokenLink);
     EXPECT_FALSE(browser->openEntryAtIndex(indexOf(browser.get(), "a")));
     EXPECT_EQ(browser->errorText(), "Cannot open link: Too many levels of symbolic links");
@@ -91,6 +95,17 @@ TEST_F(FileBrowserTest, DanglingAndLoopingLinksAreListedButCannotBeOpenedOrChose
     EXPECT_EQ(browser->errorText(), "Cannot open link: No such file or directory");
     EXPECT_FALSE(browser->chooseEntryAtIndex(indexOf(browser.get(), "b")));
     EXPECT_FALSE(chosen);
+    // Folders that vanished or became files since the listing.
+    std::filesystem::remove(temp / "gone");
+    std::filesystem::remove(temp / "now-a-file");
+    temp.write("now-a-file");
+    EXPECT_FALSE(browser->openEntryAtIndex(indexOf(browser.get(), "gone")));
+    EXPECT_EQ(browser->errorText(), "Cannot open folder: No such file or directory");
+    EXPECT_FALSE(browser->openEntryAtIndex(indexOf(browser.get(), "now-a-file")));
+    EXPECT_EQ(browser->errorText(), "Cannot open folder: Not a directory");
+    EXPECT_FALSE(browser->openEntryAtIndex(9));
+    EXPECT_EQ(browser->errorText(), "No entry at index 9");
+    EXPECT_EQ(nav->childList().size(), 1u);
     EXPECT_EQ(browser->currentPath(), temp.path());
     EXPECT_TRUE(browser->reloadData());  // an error does not stick once something works
     EXPECT_TRUE(browser->errorText().empty());
@@ -133,25 +148,6 @@ TEST_F(FileBrowserTest, AnUnreadableFolderSaysSoAndTheBrowserStays) {
     });
     EXPECT_EQ(failure, "");
     ::chmod((temp / "locked").c_str(), 0700);
-}
-
-TEST_F(FileBrowserTest, AFolderThatVanishedOrBecameAFileSaysSoAndTheBrowserStays) {
-    temp.folder("gone");
-    temp.folder("now-a-file");
-    auto browser = browserAt(temp.path());
-    auto nav = UINavigationController::create(browser.get());
-    ASSERT_EQ(browser->entries().size(), 2u);
-    std::filesystem::remove(temp / "gone");
-    std::filesystem::remove(temp / "now-a-file");
-    temp.write("now-a-file");
-    EXPECT_FALSE(browser->openEntryAtIndex(indexOf(browser.get(), "gone")));
-    EXPECT_EQ(browser->errorText(), "Cannot open folder: No such file or directory");
-    EXPECT_FALSE(browser->openEntryAtIndex(indexOf(browser.get(), "now-a-file")));
-    EXPECT_EQ(browser->errorText(), "Cannot open folder: Not a directory");
-    EXPECT_EQ(nav->childList().size(), 1u);
-    EXPECT_EQ(browser->currentPath(), temp.path());
-    EXPECT_FALSE(browser->openEntryAtIndex(9));
-    EXPECT_EQ(browser->errorText(), "No entry at index 9");
 }
 
 class FilePickerTest : public FileBrowserTest {

@@ -275,28 +275,7 @@ TEST_F(DocumentSendingTest, TheCopyLeavesTheMainThreadAndTheMessageGoesFromSendi
     EXPECT_EQ(readFile(outside / "held.pdf"), bytes);
 }
 
-TEST_F(DocumentSendingTest, AMissingFileFailsWithTheReasonAndNoMediaFile) {
-    write(inbox / "gone.pdf", "x");
-    auto attachment = attach(inbox / "gone.pdf", true);
-    fs::remove(inbox / "gone.pdf");
-    const std::size_t before = mediaFiles();
-    ::testing::internal::CaptureStderr();
-    chat->sendDocumentAttachment(attachment.get());
-    send(outside / "never.pdf", false);
-    const std::string log = ::testing::internal::GetCapturedStderr();
-    EXPECT_NE(log.find("gone.pdf"), std::string::npos) << log;
-    EXPECT_NE(log.find("never.pdf"), std::string::npos) << log;
-    const auto messages = sent();
-    ASSERT_EQ(messages.size(), 2u);
-    for (const host::Message& m : messages) {
-        EXPECT_EQ(m.state, host::Message::State::Failed) << m.text;
-        EXPECT_NE(m.failure.find("No such file"), std::string::npos) << m.failure;
-        EXPECT_TRUE(m.filePath.empty());
-    }
-    EXPECT_EQ(mediaFiles(), before);
-}
-
-TEST_F(DocumentSendingTest, ASendCutShortByItsProcessEndingIsFailedAtTheNextOpen) {
+TEST_F(DocumentSendingTest, OpeningFailsCutShortSendsAndMigratesFirstVersionFiles) {
     host::Message cut = host::Message::document("cut.pdf", {}, 10);
     cut.state = host::Message::State::Sending;
     const std::int64_t id = sqlite->append("Bob", cut);
@@ -305,14 +284,12 @@ TEST_F(DocumentSendingTest, ASendCutShortByItsProcessEndingIsFailedAtTheNextOpen
     execute(database, "UPDATE messages SET sender_pid = " + std::to_string(INT_MAX) +
                           " WHERE id = " + std::to_string(id));
     sqlite = std::make_shared<host::SqliteChatStore>(database.string());
-    const auto messages = sent();
+    auto messages = sent();
     ASSERT_EQ(messages.size(), 2u);
     EXPECT_EQ(messages[0].state, host::Message::State::Failed);
     EXPECT_FALSE(messages[0].failure.empty());
     EXPECT_EQ(messages[1].state, host::Message::State::Sending) << "this process may still send it";
-}
-
-TEST_F(DocumentSendingTest, AFirstVersionDatabaseIsMigratedAndItsRowsAreSent) {
+    // A first-version database is migrated and its rows are sent.
     sqlite.reset();
     chat.reset();
     for (const char* suffix : {"", "-wal", "-shm"}) fs::remove(database.string() + suffix);
@@ -334,7 +311,7 @@ TEST_F(DocumentSendingTest, AFirstVersionDatabaseIsMigratedAndItsRowsAreSent) {
     sqlite = std::make_shared<host::SqliteChatStore>(database.string());
     sqlite->append("Bob", host::Message::outgoingText("new"));
     sqlite = std::make_shared<host::SqliteChatStore>(database.string());
-    const auto messages = sent();
+    messages = sent();
     ASSERT_EQ(messages.size(), 2u);
     EXPECT_EQ(messages[0].text, "old.pdf");
     EXPECT_EQ(messages[0].filePath, "/media/old.pdf");
@@ -388,7 +365,23 @@ TEST_F(DocumentSendingTest, TwoStoresOnOneFileWaitForEachOtherAndLoseNothing) {
     EXPECT_EQ(other->chatNames().size(), kEach + 2u);  // Bob, the chats, Shared
 }
 
-TEST_F(DocumentSendingTest, AFailedCopyLeavesNoPartialFile) {
+TEST_F(DocumentSendingTest, AFailedCopyFailsWithTheReasonAndLeavesNoPartialFile) {
+    const std::size_t before = mediaFiles();
+    write(inbox / "gone.pdf", "x");
+    auto attachment = attach(inbox / "gone.pdf", true);
+    fs::remove(inbox / "gone.pdf");
+    ::testing::internal::CaptureStderr();
+    chat->sendDocumentAttachment(attachment.get());
+    send(outside / "never.pdf", false);
+    const std::string log = ::testing::internal::GetCapturedStderr();
+    EXPECT_NE(log.find("gone.pdf"), std::string::npos) << log;
+    EXPECT_NE(log.find("never.pdf"), std::string::npos) << log;
+    const auto messages = sent();
+    ASSERT_EQ(messages.size(), 2u);
+    for (const host::Message& m : messages) {
+        EXPECT_NE(m.failure.find("No such file"), std::string::npos) << m.failure;
+        EXPECT_TRUE(m.filePath.empty());
+    }
     // Only regular files are copied: the others never end or are no document.
     fs::create_directories(outside / "folder.pdf");
     ASSERT_EQ(::mkfifo((outside / "pipe.pdf").c_str(), 0644), 0);
@@ -402,7 +395,6 @@ TEST_F(DocumentSendingTest, AFailedCopyLeavesNoPartialFile) {
     const fs::path unreadable = outside / "secret.pdf";
     write(unreadable, "secret");
     fs::permissions(unreadable, fs::perms::none);
-    const std::size_t before = mediaFiles();
     for (const auto& file : refused) {
         try {
             sendDirectly(file.path, true);

@@ -66,7 +66,7 @@ TEST_F(PresentationTest, BadPresentationsAreRefusedAndTheirCompletionNeverRuns) 
     EXPECT_EQ(first->presentingViewController(), presenter.get());
 }
 
-TEST_F(PresentationTest, DismissingFromEitherSideTakesThePresentedControllerAway) {
+TEST_F(PresentationTest, DismissingFromEitherSideOrBelowTakesThePresentedControllersAway) {
     std::vector<std::string> log;
     auto presenter = UIViewController::create();
     for (bool fromPresenter : {true, false}) {
@@ -83,9 +83,7 @@ TEST_F(PresentationTest, DismissingFromEitherSideTakesThePresentedControllerAway
         EXPECT_EQ(log, std::vector<std::string>{"dismissed"});
         EXPECT_EQ(presented->appearance(), UIViewController::Appearance::Disappeared);
     }
-}
-
-TEST_F(PresentationTest, DismissingAPresenterTakesTheWholeChainAway) {
+    // Dismissing a presenter takes the whole chain away.
     auto root = UIViewController::create();
     auto middle = UIViewController::create();
     auto top = UIViewController::create();

@@ -173,7 +173,7 @@ TEST_F(TableViews, AskTheDataSourceOnceUntilReloaded) {
     EXPECT_EQ(source->cellRequests, asked + 1);
 }
 
-TEST_F(TableViews, SelectionFromCodeDoesNotTellTheDelegate) {
+TEST_F(TableViews, OnlyUserTapsTellTheDelegateOfASelection) {
     table->selectRowAtIndexPath(at(0, 2), false, UITableViewScrollPositionNone);
     EXPECT_TRUE(table->cellForRowAtIndexPath(at(0, 2))->isSelected());
     // Single selection: choosing another row lets go of the first.
@@ -192,9 +192,7 @@ TEST_F(TableViews, SelectionFromCodeDoesNotTellTheDelegate) {
     table->selectRowAtIndexPath(at(0, 1), false, UITableViewScrollPositionNone);
     table->reloadData();
     EXPECT_EQ(table->indexPathForSelectedRow(), nullptr);
-}
-
-TEST_F(TableViews, UserTapsSelectThenTellTheDelegate) {
+    // User taps select, then tell the delegate.
     EXPECT_TRUE(table->userSelectRowAtIndexPath(at(0, 1)));
     EXPECT_TRUE(table->userSelectRowAtIndexPath(at(1, 0)));
     EXPECT_EQ(delegate->log, (std::vector<std::string>{"will:0.1", "did:0.1", "will:1.0",
