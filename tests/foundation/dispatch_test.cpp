@@ -80,10 +80,7 @@ TEST_F(Dispatch, MainQueueRunsOnlyOnTheMainThreadWhenTheLoopRuns) {
     foundation::runMainLoopUntilIdle();
     EXPECT_EQ(ran.load(), 2);
     EXPECT_TRUE(onMain.load());
-}
-
-// The download pattern: fetch on a worker, hand the result to the main thread, run until it came.
-TEST_F(Dispatch, MainQueueBackgroundResultHandedBackRunsOnTheNextDrain) {
+    // The download pattern: a worker hands its result to the main thread.
     Signal release;
     std::string result;  // written on the main thread only
     dispatch_async(dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_LOW, 0), [&] {
@@ -281,7 +278,7 @@ TEST_F(Dispatch, AfterFiresInTimeOrderAndNeverEarly) {
     EXPECT_EQ(objc_retainCount(block.get()), 2u);  // ours and the hour's timer
 }
 
-TEST_F(Dispatch, OnceRunsExactlyOnceAcrossRacingThreads) {
+TEST_F(Dispatch, OnceRunsExactlyOnceAcrossRacingThreadsAndAfterAFailure) {
     for (int round = 0; round < 20; ++round) {
         static_assert(std::is_same_v<dispatch_once_t, long>);
         dispatch_once_t predicate = 0;
@@ -306,9 +303,7 @@ TEST_F(Dispatch, OnceRunsExactlyOnceAcrossRacingThreads) {
         ASSERT_EQ(calls.load(), 1);
         ASSERT_EQ(wrong.load(), 0) << "every caller returns after the function has finished";
     }
-}
-
-TEST_F(Dispatch, OnceBlocksFailuresAndRecursion) {
+    // Blocks, failures and recursion.
     dispatch_once_t predicate = 0;
     int calls = 0;
     auto block = objc::makeBlock<void()>([&] { ++calls; });
@@ -325,7 +320,7 @@ TEST_F(Dispatch, OnceBlocksFailuresAndRecursion) {
     EXPECT_THROW(dispatch_once(&nested, [&] { dispatch_once(&nested, [] {}); }), objc::Exception);
 }
 
-TEST_F(Dispatch, GroupsNotifyAndWaitFollowTheCount) {
+TEST_F(Dispatch, GroupsNotifyAndWaitFollowTheCountWithoutStarvingThePool) {
     dispatch_group_t group = dispatch_group_create();
     dispatch_queue_t serial = dispatch_queue_create("test.group", DISPATCH_QUEUE_SERIAL);
     std::atomic<int> done{0};
@@ -351,10 +346,7 @@ TEST_F(Dispatch, GroupsNotifyAndWaitFollowTheCount) {
     EXPECT_THROW(dispatch_group_leave(group), objc::Exception);
     dispatch_release(serial);
     dispatch_release(group);
-}
-
-// Workers waiting on other queued work must not starve the pool.
-TEST_F(Dispatch, GroupsWaitingWorkersDoNotStarveThePool) {
+    // Workers waiting on other queued work must not starve the pool.
     const std::size_t waiters = foundation::dispatchWorkerLimit() * 2;
     dispatch_group_t outer = dispatch_group_create();
     std::atomic<int> inner{0};
