@@ -114,8 +114,6 @@ void InvSilent::objcDefine(objc::ClassBuilder<InvSilent>&) {}
 
 namespace {
 
-constexpr const char* kRectEncoding = "{CGRect={CGPoint=dd}{CGSize=dd}}";
-
 // An invocation of one of the recorder's methods, with its arguments set.
 template <class... A>
 NSInvocation* recorderInvocation(id target, SEL s, A... args) {
