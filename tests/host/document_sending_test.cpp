@@ -1,4 +1,5 @@
 // Sending documents into a chat kept in SQLite, the copy engine, and the store itself.
+#include "chat_database.h"
 #include "host_fixture.h"
 
 #include <Host/WAChatSessionViewController.h>
@@ -31,11 +32,7 @@ namespace {
 namespace fs = std::filesystem;
 
 using testsupport::readFile;
-
-void write(const fs::path& path, const std::string& bytes) {
-    fs::create_directories(path.parent_path());
-    std::ofstream(path, std::ios::binary) << bytes;
-}
+using testsupport::writeFile;
 
 // Bytes that catch a copy that drops, repeats or reorders blocks.
 std::string pattern(std::size_t size) {
@@ -43,14 +40,6 @@ std::string pattern(std::size_t size) {
     for (std::size_t i = 0; i < size; ++i)
         bytes[i] = static_cast<char>((i * 7919 + i / 4096) & 0xff);
     return bytes;
-}
-
-void execute(const fs::path& database, const std::string& sql) {
-    sqlite3* db = nullptr;
-    ASSERT_EQ(sqlite3_open(database.c_str(), &db), SQLITE_OK);
-    EXPECT_EQ(sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
-        << sqlite3_errmsg(db);
-    sqlite3_close(db);
 }
 
 // Holds a queue's work until released (at the latest when it goes).
@@ -133,7 +122,7 @@ class DocumentSendingTest : public testsupport::HostTest {
 
 TEST_F(DocumentSendingTest, AnInboxFileHandedOverIsMovedWithItsBytes) {
     const std::string bytes = pattern(3 << 20);
-    write(inbox / "Quarterly.pdf", bytes);
+    writeFile(inbox / "Quarterly.pdf", bytes);
     send(inbox / "Quarterly.pdf", true);
     const auto messages = sent();
     ASSERT_EQ(messages.size(), 1u);
@@ -143,7 +132,7 @@ TEST_F(DocumentSendingTest, AnInboxFileHandedOverIsMovedWithItsBytes) {
     EXPECT_EQ(messages[0].text, "Quarterly.pdf");
     EXPECT_EQ(messages[0].fileSize, bytes.size());
     // Not handed over, an Inbox file is copied.
-    write(inbox / "draft.pdf", "draft");
+    writeFile(inbox / "draft.pdf", "draft");
     send(inbox / "draft.pdf", false);
     EXPECT_EQ(readFile(inbox / "draft.pdf"), "draft");
     EXPECT_EQ(readFile(sent().back().filePath), "draft");
@@ -153,7 +142,7 @@ TEST_F(DocumentSendingTest, AFileOutsideTheContainerIsCopiedEvenWhenHandedOver) 
     const std::string bytes = pattern((5 << 20) + 17);
     for (const bool transfer : {false, true}) {
         const fs::path original = outside / (transfer ? "handed.pdf" : "kept.pdf");
-        write(original, bytes);
+        writeFile(original, bytes);
         send(original, transfer);
         EXPECT_EQ(readFile(original), bytes) << "transfer " << transfer;
     }
@@ -168,7 +157,7 @@ TEST_F(DocumentSendingTest, AFileOutsideTheContainerIsCopiedEvenWhenHandedOver) 
 // Only the picker's Inbox copies are the host's: a handed-over file elsewhere stays.
 TEST_F(DocumentSendingTest, AHandedOverContainerFileOutsideTheInboxIsCopied) {
     const fs::path& home = testsupport::container();
-    write(home / "Documents" / "notes.txt", "my notes");
+    writeFile(home / "Documents" / "notes.txt", "my notes");
     NSUserDefaults* defaults = NSUserDefaults::standardUserDefaults();
     defaults->setBoolForKey(true, NSString::create("documentSendingTest").get());
     ASSERT_TRUE(defaults->synchronize());
@@ -220,7 +209,7 @@ TEST_F(DocumentSendingTest, RowsSurviveReopeningTheStore) {
          {std::pair<const char*, std::string>{"Budget.pdf", std::string(4321, 'b')},
           {"notes.zzqx", "?"},
           {"archive.zip", "PK"}}) {
-        write(outside / name, bytes);
+        writeFile(outside / name, bytes);
         send(outside / name, false);
     }
     chat.reset();
@@ -245,7 +234,7 @@ TEST_F(DocumentSendingTest, RowsSurviveReopeningTheStore) {
 
 TEST_F(DocumentSendingTest, TheCopyLeavesTheMainThreadAndTheMessageGoesFromSendingToSent) {
     const std::string bytes = pattern(1 << 20);
-    write(outside / "held.pdf", bytes);
+    writeFile(outside / "held.pdf", bytes);
     const std::size_t before = mediaFiles();
     HeldQueue queue;
     chat->setSendQueue(queue.get());
@@ -281,8 +270,9 @@ TEST_F(DocumentSendingTest, OpeningFailsCutShortSendsAndMigratesFirstVersionFile
     const std::int64_t id = sqlite->append("Bob", cut);
     cut.text = "ours.pdf";
     sqlite->append("Bob", cut);
-    execute(database, "UPDATE messages SET sender_pid = " + std::to_string(INT_MAX) +
-                          " WHERE id = " + std::to_string(id));
+    ASSERT_TRUE(testsupport::runSql(database,
+                                    "UPDATE messages SET sender_pid = " + std::to_string(INT_MAX) +
+                                        " WHERE id = " + std::to_string(id)));
     sqlite = std::make_shared<host::SqliteChatStore>(database.string());
     auto messages = sent();
     ASSERT_EQ(messages.size(), 2u);
@@ -293,15 +283,16 @@ TEST_F(DocumentSendingTest, OpeningFailsCutShortSendsAndMigratesFirstVersionFile
     sqlite.reset();
     chat.reset();
     for (const char* suffix : {"", "-wal", "-shm"}) fs::remove(database.string() + suffix);
-    execute(database,
-            "CREATE TABLE chats (id INTEGER PRIMARY KEY, contact_name TEXT NOT NULL UNIQUE);"
-            "CREATE TABLE messages (id INTEGER PRIMARY KEY, chat_id INTEGER NOT NULL "
-            "REFERENCES chats(id), kind INTEGER NOT NULL, outgoing INTEGER NOT NULL, text TEXT, "
-            "file_name TEXT, size_in_bytes INTEGER NOT NULL DEFAULT 0, uniform_type TEXT, "
-            "mime_type TEXT, media_path TEXT, date REAL NOT NULL);"
-            "INSERT INTO chats VALUES (1, 'Bob');"
-            "INSERT INTO messages VALUES (1, 1, 1, 1, NULL, 'old.pdf', 3, 'com.adobe.pdf', "
-            "'application/pdf', '/media/old.pdf', 1.5);");
+    ASSERT_TRUE(testsupport::runSql(
+        database,
+        "CREATE TABLE chats (id INTEGER PRIMARY KEY, contact_name TEXT NOT NULL UNIQUE);"
+        "CREATE TABLE messages (id INTEGER PRIMARY KEY, chat_id INTEGER NOT NULL "
+        "REFERENCES chats(id), kind INTEGER NOT NULL, outgoing INTEGER NOT NULL, text TEXT, "
+        "file_name TEXT, size_in_bytes INTEGER NOT NULL DEFAULT 0, uniform_type TEXT, "
+        "mime_type TEXT, media_path TEXT, date REAL NOT NULL);"
+        "INSERT INTO chats VALUES (1, 'Bob');"
+        "INSERT INTO messages VALUES (1, 1, 1, 1, NULL, 'old.pdf', 3, 'com.adobe.pdf', "
+        "'application/pdf', '/media/old.pdf', 1.5);"));
     // Read-only, the old file is read as it is.
     auto old = host::SqliteChatStore(database.string(), host::SqliteChatStore::Access::ReadOnly)
                    .messages("Bob");
@@ -367,7 +358,7 @@ TEST_F(DocumentSendingTest, TwoStoresOnOneFileWaitForEachOtherAndLoseNothing) {
 
 TEST_F(DocumentSendingTest, AFailedCopyFailsWithTheReasonAndLeavesNoPartialFile) {
     const std::size_t before = mediaFiles();
-    write(inbox / "gone.pdf", "x");
+    writeFile(inbox / "gone.pdf", "x");
     auto attachment = attach(inbox / "gone.pdf", true);
     fs::remove(inbox / "gone.pdf");
     ::testing::internal::CaptureStderr();
@@ -393,7 +384,7 @@ TEST_F(DocumentSendingTest, AFailedCopyFailsWithTheReasonAndLeavesNoPartialFile)
                    {outside / "pipe.pdf", std::errc::invalid_argument, "a FIFO"},
                    {"/dev/zero", std::errc::no_such_device, "a device"}};
     const fs::path unreadable = outside / "secret.pdf";
-    write(unreadable, "secret");
+    writeFile(unreadable, "secret");
     fs::permissions(unreadable, fs::perms::none);
     for (const auto& file : refused) {
         try {
@@ -439,7 +430,7 @@ TEST(MediaCopyTest, AStalledSourceTimesOut) {
 // Same names get distinct media files; a killed run's partial copy goes at the next start.
 TEST_F(DocumentSendingTest, SameNamesGetDistinctMediaFilesAndLeftoversGoAtStartUp) {
     for (const char* folder : {"a", "b"}) {
-        write(outside / folder / "same.pdf", folder);
+        writeFile(outside / folder / "same.pdf", folder);
         send(outside / folder / "same.pdf", false);
     }
     const auto messages = sent();
@@ -449,7 +440,7 @@ TEST_F(DocumentSendingTest, SameNamesGetDistinctMediaFilesAndLeftoversGoAtStartU
     EXPECT_EQ(readFile(messages[0].filePath), "a");
     EXPECT_EQ(readFile(messages[1].filePath), "b");
     const fs::path leftover = mediaFolder() / (std::string(host::kPartialCopyPrefix) + "0123abcd");
-    write(leftover, std::string(1000, 'p'));
+    writeFile(leftover, std::string(1000, 'p'));
     host::removeLeftoverCopies(testsupport::container() / "Library" / "Media");
     EXPECT_FALSE(fs::exists(leftover));
     EXPECT_EQ(readFile(messages[0].filePath), "a");
@@ -479,8 +470,8 @@ TEST_F(DocumentSendingTest, AFailedWriteRecordsNothingAndKeepsTheFile) {
     FailingStore failing;
     const fs::path media =
         testsupport::container() / "Library" / "Media" / std::to_string(failing.chatId("Bob"));
-    write(inbox / "back.pdf", "moved");
-    write(outside / "copied.pdf", "copied");
+    writeFile(inbox / "back.pdf", "moved");
+    writeFile(outside / "copied.pdf", "copied");
     for (const fs::path& file : {inbox / "back.pdf", outside / "copied.pdf"})
         EXPECT_THROW(
             host::sendDocument(failing, "Bob", *attach(file, true), testsupport::container()),
@@ -498,7 +489,7 @@ TEST_F(DocumentSendingTest, AReadOnlyStoreIsReadButASendFailsWithTheReason) {
     EXPECT_NE(readOnly->readOnlyReason(), "");
     EXPECT_EQ(readOnly->chatNames(), std::vector<std::string>{"Bob"});
     auto screen = WAChatSessionViewController::create("Bob", readOnly);
-    write(outside / "report.pdf", "report");
+    writeFile(outside / "report.pdf", "report");
     const std::size_t before = mediaFiles();
     ::testing::internal::CaptureStderr();
     screen->sendDocumentAttachment(attach(outside / "report.pdf", false).get());

@@ -18,7 +18,6 @@
 
 namespace testsupport {
 
-// One container for the test program, made before any test touches the
 // The program's one container, in a device folder beside the providers, made before any test.
 inline const std::filesystem::path& container() {
     static const ScratchFolder device("host-tests");
@@ -36,10 +35,7 @@ inline const std::filesystem::path& container() {
 // A file with `size` bytes in the container's Documents folder, or another.
 inline std::string makeFile(const std::string& name, std::size_t size,
                             const std::filesystem::path& folder = container() / "Documents") {
-    std::filesystem::create_directories(folder);
-    const auto path = folder / name;
-    std::ofstream(path, std::ios::binary) << std::string(size, 'x');
-    return path.string();
+    return writeFile(folder / name, std::string(size, 'x'));
 }
 
 class HostTest : public ::testing::Test {

@@ -21,8 +21,6 @@ namespace {
 
 using namespace testsupport;
 
-#ifdef PARCELVANE_LIBRARY
-
 std::size_t documentsIn(const host::ChatStore& store, const std::string& chat) {
     const auto messages = store.messages(chat);
     return static_cast<std::size_t>(std::count_if(
@@ -93,8 +91,8 @@ TEST_F(BrowserDismissal, AFileGoneBeforeTheBrowserHasGoneIsNotSentOneThatStaysIs
     window->makeKeyAndVisible();
     foundation::runMainLoopUntilIdle();
 
-    std::ofstream(files() / "doomed.txt") << "gone soon";
-    std::ofstream(files() / "kept.txt") << "stays";
+    writeFile(files() / "doomed.txt", "gone soon");
+    writeFile(files() / "kept.txt", "stays");
 
     ParcelvaneFileBrowserViewController* browser = openBrowser(chat.get());
     ASSERT_NE(browser, nullptr);
@@ -117,7 +115,5 @@ TEST_F(BrowserDismissal, AFileGoneBeforeTheBrowserHasGoneIsNotSentOneThatStaysIs
     window->setRootViewController(nullptr);
     foundation::runMainLoopUntilIdle();
 }
-
-#endif
 
 }  // namespace

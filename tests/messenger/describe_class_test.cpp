@@ -39,28 +39,17 @@ TEST(DescribeClass, MethodsNameTheirImageAndAnUnknownClassFails) {
     EXPECT_TRUE(contains(unknown.err, "WANoSuchThing")) << unknown.err;
 }
 
-#ifdef PARCELVANE_LIBRARY
+// Through the environment (the scripts use --inject): the library's methods name its image.
 TEST(DescribeClass, AnInjectedLibraryReplacesAndAddsMethods) {
     const ScratchFolder home{"messenger-test"};
-    for (bool throughEnvironment : {false, true}) {
-        SCOPED_TRACE(throughEnvironment ? "MESSENGER_INSERT_LIBRARIES" : "--inject");
-        std::vector<std::string> args{"--home", home.path(), "--describe-class",
-                                      "WAChatSessionViewController"};
-        std::map<std::string, std::string> env;
-        if (throughEnvironment) {
-            env["MESSENGER_INSERT_LIBRARIES"] = PARCELVANE_LIBRARY;
-        } else {
-            args.insert(args.begin(), {"--inject", PARCELVANE_LIBRARY});
-        }
-        const Result r = run(args, "", env);
-        ASSERT_EQ(r.status, 0) << r.err;
-        const auto images = methodImages(r.out);
-        EXPECT_EQ(images.at("sendParcelvaneFile"), "libparcelvane.so");
-        EXPECT_EQ(images.at("presentShareDocumentController"), "libparcelvane.so");
-        EXPECT_EQ(images.at("_presentForCurrentInterface:"), "libparcelvane.so");
-        EXPECT_EQ(images.at("sendDocumentAttachment:"), "messenger");
-    }
+    const Result r = run({"--home", home.path(), "--describe-class", "WAChatSessionViewController"},
+                         "", {{"MESSENGER_INSERT_LIBRARIES", PARCELVANE_LIBRARY}});
+    ASSERT_EQ(r.status, 0) << r.err;
+    const auto images = methodImages(r.out);
+    EXPECT_EQ(images.at("sendParcelvaneFile"), "libparcelvane.so");
+    EXPECT_EQ(images.at("presentShareDocumentController"), "libparcelvane.so");
+    EXPECT_EQ(images.at("_presentForCurrentInterface:"), "libparcelvane.so");
+    EXPECT_EQ(images.at("sendDocumentAttachment:"), "messenger");
 }
-#endif
 
 }  // namespace

@@ -34,27 +34,14 @@ struct Result {
     std::string err;
 };
 
+// Variables of the machine the run must not inherit, each between spaces.
 inline bool isMachineSpecific(const std::string& name) {
-    static const char* const kNames[] = {"MESSENGER_INSERT_LIBRARIES",
-                                         "LANGUAGE",
-                                         "LC_ALL",
-                                         "LC_MESSAGES",
-                                         "LANG",
-                                         "http_proxy",
-                                         "HTTP_PROXY",
-                                         "https_proxy",
-                                         "HTTPS_PROXY",
-                                         "all_proxy",
-                                         "ALL_PROXY",
-                                         "no_proxy",
-                                         "NO_PROXY"};
-    for (const char* n : kNames) {
-        if (name == n) return true;
-    }
-    return false;
+    static const std::string kNames =
+        " MESSENGER_INSERT_LIBRARIES LANGUAGE LC_ALL LC_MESSAGES LANG http_proxy HTTP_PROXY "
+        "https_proxy HTTPS_PROXY all_proxy ALL_PROXY no_proxy NO_PROXY ";
+    return kNames.find(" " + name + " ") != std::string::npos;
 }
 
-// Runs the messenger with the arguments and the input. `env` adds or (with
 // Runs the messenger with arguments and input; `env` adds (or with "" removes) variables. The run
 // ignores the machine: no inherited libraries, locale or proxy; English unless `--language`; http
 // to a refusing loopback port unless `env` names a proxy. `cwd`, if given, is its folder.
@@ -120,6 +107,19 @@ inline Result run(const std::vector<std::string>& args, const std::string& input
     result.err = readFile(err);
     if (killed) result.err += "\n(killed: no end within 60 s)";
     return result;
+}
+
+// Runs the script from a file in `home`, the device folder; `inject` loads the library.
+inline Result runScript(const ScratchFolder& home, const std::string& script,
+                        std::vector<std::string> options = {}, bool inject = false,
+                        const std::map<std::string, std::string>& env = {},
+                        const std::string& input = "") {
+    const fs::path file = home / "test.script";
+    std::ofstream(file) << script;
+    std::vector<std::string> args{"--home", home.path(), "--script", file.string()};
+    args.insert(args.end(), options.begin(), options.end());
+    if (inject) args.insert(args.end(), {"--inject", PARCELVANE_LIBRARY});
+    return run(args, input, env);
 }
 
 inline std::vector<std::string> lines(const std::string& text) {

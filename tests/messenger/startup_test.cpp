@@ -23,13 +23,11 @@ TEST(Startup, ALibraryThatCannotBeLoadedEndsTheProgram) {
         run({"--home", home.path(), "--inject", "libc.so.6"}, "screen\n", {}, home.path());
     EXPECT_EQ(bare.status, 1);
     EXPECT_TRUE(contains(bare.err, "./libc.so.6")) << bare.err;
-#ifdef PARCELVANE_LIBRARY
     fs::create_symlink(PARCELVANE_LIBRARY, home / "libpv.so");
     const Result here =
         run({"--home", home.path(), "--inject", "libpv.so"}, "settings\nquit\n", {}, home.path());
     EXPECT_EQ(here.status, 0) << here.err;
     EXPECT_TRUE(contains(here.out, "Parcelvane Settings")) << here.out;
-#endif
 }
 
 TEST(Startup, HomeHoldsTheContainerAndTheProvidersAndNothingGoesOutside) {
@@ -79,10 +77,14 @@ TEST(Startup, BadOptionsAreRefusedWithTheUsage) {
         const Result r = run({"--home", home.path(), "--ios", version}, "quit\n");
         EXPECT_EQ(r.status, 0) << version << ": " << r.err;
     }
+    // Help lists every option and script command.
     const Result help = run({"--help"});
     EXPECT_EQ(help.status, 0);
-    EXPECT_TRUE(contains(help.out, "--describe-class"));
-    EXPECT_TRUE(contains(help.out, "8.0-8.4")) << help.out;
+    for (const char* text : {"--describe-class", "8.0-8.4", "--script FILE", "attach", "share",
+                             "choose N|\"TITLE\"", "up ", "open PATH", "cancel", "expect TEXT",
+                             "expect-not TEXT", "wait MS", "set KEY VALUE"}) {
+        EXPECT_TRUE(contains(help.out, text)) << text;
+    }
 }
 
 }  // namespace

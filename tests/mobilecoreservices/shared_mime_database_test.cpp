@@ -17,9 +17,7 @@ namespace fs = std::filesystem;
 class SharedMimeDatabaseTest : public ::testing::Test {
   protected:
     fs::path write(const std::string& dir, const std::string& file, const std::string& text) {
-        fs::create_directories(root_ / dir);
-        std::ofstream(root_ / dir / file) << text;
-        return root_ / dir;
+        return fs::path(testsupport::writeFile(root_ / dir / file, text)).parent_path();
     }
     static std::vector<std::string> strings(const std::vector<std::string_view>& views) {
         return {views.begin(), views.end()};

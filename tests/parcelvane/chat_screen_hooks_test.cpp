@@ -141,9 +141,8 @@ TEST_F(ChatScreenHooksTest, OnlyTheAttachMenuGainsTheEntryUnderTheHostsTranslate
     const SlotRecorder sheetHost(hooks::Original<&hooks::showActionSheet>::imp,
                                  SlotRecorder::Shape::OneObject);
     const std::string home = NSBundle::mainBundle()->bundlePath()->utf8();
-    std::filesystem::create_directories(home + "/en.lproj");
-    std::ofstream(home + "/en.lproj/Localizable.strings")
-        << "\"Share Document\" = \"Send a Document\";\n";
+    testsupport::writeFile(home + "/en.lproj/Localizable.strings",
+                           "\"Share Document\" = \"Send a Document\";\n");
     enable("send_filesystem_enabled", true);
     const auto showSheet = [&] {
         auto sheet = objc::make<FakeActionSheet>();

@@ -12,6 +12,14 @@
 
 namespace testsupport {
 
+// Writes the file whole, making the folders above it, and answers its path.
+inline std::string writeFile(const std::filesystem::path& file, std::string_view bytes = {}) {
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream out(file, std::ios::binary | std::ios::trunc);
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    return file.string();
+}
+
 class ScratchFolder {
   public:
     explicit ScratchFolder(std::string_view prefix = "pv-test") {
@@ -35,13 +43,9 @@ class ScratchFolder {
         return std::filesystem::path(path_) / name;
     }
 
-    // Writes the file, making the folders above it, and answers its path.
+    // Writes the file below the folder, as writeFile does.
     std::string write(std::string_view name, std::string_view bytes = {}) const {
-        const std::filesystem::path file = *this / name;
-        std::filesystem::create_directories(file.parent_path());
-        std::ofstream out(file, std::ios::binary | std::ios::trunc);
-        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-        return file.string();
+        return writeFile(*this / name, bytes);
     }
     // Makes the folder and those above it, and answers its path.
     std::string folder(std::string_view name) const {

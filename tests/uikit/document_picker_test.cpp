@@ -9,8 +9,6 @@
 #include <objc/image.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
 namespace fs = std::filesystem;
 
@@ -39,10 +37,8 @@ void PickerDelegate::objcDefine(objc::ClassBuilder<PickerDelegate>& b) {
 
 namespace {
 
-std::string readFile(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
+using testsupport::readFile;
+using testsupport::writeFile;
 
 std::vector<std::string> names(const std::vector<UIDocumentPickerViewController::Entry>& list) {
     std::vector<std::string> out;
@@ -59,18 +55,14 @@ class DocumentPickerTest : public UIKitTest {
         fs::create_directories(home / "tmp");
         foundation::configureProcess({home.string(), "", {"en"}});
         providerFolder = uikit::defaultDocumentProviderFolder("iCloud Drive");
-        fs::create_directories(providerFolder / "Work");
-        write(providerFolder / "Report.pdf", "%PDF-1.4 report");
-        write(providerFolder / "Archive.zip", "PK\x03\x04");
-        write(providerFolder / ".hidden.pdf", "hidden");
-        write(providerFolder / "Work" / "Letter.docx", "PK docx");
+        writeFile(providerFolder / "Report.pdf", "%PDF-1.4 report");
+        writeFile(providerFolder / "Archive.zip", "PK\x03\x04");
+        writeFile(providerFolder / ".hidden.pdf", "hidden");
+        writeFile(providerFolder / "Work" / "Letter.docx", "PK docx");
     }
     void TearDown() override {
         UIKitTest::TearDown();
         foundation::configureProcess({});
-    }
-    static void write(const fs::path& path, const std::string& bytes) {
-        std::ofstream(path, std::ios::binary) << bytes;
     }
     // The host's types (a zip archive conforms to none of them) or public.data.
     static objc::Strong<UIDocumentPickerViewController> picker(bool hostTypes,
@@ -87,7 +79,7 @@ class DocumentPickerTest : public UIKitTest {
     fs::path providerFolder;
 };
 
-TEST_F(DocumentPickerTest, ListsFoldersThenTheFilesWhoseTypeConforms) {
+TEST_F(DocumentPickerTest, ListsFoldersThenConformingFilesAndOpensNoFolderAboveTheProvider) {
     auto all = picker(false, UIDocumentPickerModeImport);
     EXPECT_EQ(all->currentFolder(), providerFolder.string());  // beside the container
     EXPECT_EQ(names(all->entries()),
@@ -100,9 +92,8 @@ TEST_F(DocumentPickerTest, ListsFoldersThenTheFilesWhoseTypeConforms) {
                   ->entries()
                   .size(),
               1u);  // only "Work"
-}
 
-TEST_F(DocumentPickerTest, FoldersOpenButNotAboveTheProviderAndAMissingOneListsNothing) {
+    // Folders open, but not above the provider; a missing one lists nothing.
     auto p = picker(true, UIDocumentPickerModeOpen);
     EXPECT_FALSE(p->openParentFolder());
     EXPECT_FALSE(p->openFolderAtIndex(1));  // a file
@@ -117,7 +108,7 @@ TEST_F(DocumentPickerTest, FoldersOpenButNotAboveTheProviderAndAMissingOneListsN
     EXPECT_FALSE(p->pickFileAtIndex(0));
 }
 
-TEST_F(DocumentPickerTest, ImportCopiesIntoTheInboxUnderAFreeName) {
+TEST_F(DocumentPickerTest, ImportCopiesIntoTheInboxUnderAFreeNameAndCancellingTellsTheDelegate) {
     auto delegate = objc::make<PickerDelegate>();
     auto presenter = UIViewController::create();
     auto p = picker(true, UIDocumentPickerModeImport);
@@ -138,7 +129,7 @@ TEST_F(DocumentPickerTest, ImportCopiesIntoTheInboxUnderAFreeName) {
     EXPECT_EQ(readFile(providerFolder / "Report.pdf"), "%PDF-1.4 report");
 
     // The same name again keeps the first copy and numbers the second.
-    write(providerFolder / "Report.pdf", "second");
+    writeFile(providerFolder / "Report.pdf", "second");
     ASSERT_TRUE(p->pickFileAtIndex(1));
     drain();
     ASSERT_EQ(delegate->urls.size(), 2u);
@@ -146,18 +137,13 @@ TEST_F(DocumentPickerTest, ImportCopiesIntoTheInboxUnderAFreeName) {
     EXPECT_EQ(readFile(inbox / "Report 2.pdf"), "second");
     EXPECT_EQ(readFile(inbox / "Report.pdf"), "%PDF-1.4 report");
     EXPECT_EQ(delegate->log, (std::vector<std::string>{"didPick", "didPick"}));
-}
 
-TEST_F(DocumentPickerTest, CancellingTellsADelegateThatListens) {
-    auto delegate = objc::make<PickerDelegate>();
-    auto presenter = UIViewController::create();
-    auto p = picker(false, UIDocumentPickerModeImport);
-    p->setDelegate(delegate.get());
+    // Cancelling tells a delegate that listens.
     presenter->presentViewController(p.get(), false, nullptr);
     p->cancel();
     drain();
     EXPECT_EQ(presenter->presentedViewController(), nullptr);
-    EXPECT_EQ(delegate->log, std::vector<std::string>{"cancelled"});
+    EXPECT_EQ(delegate->log, (std::vector<std::string>{"didPick", "didPick", "cancelled"}));
 
     // A delegate without the optional method is left alone.
     auto quiet = objc::make<RecordingDelegate>();

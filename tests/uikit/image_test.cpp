@@ -11,7 +11,6 @@
 #include <array>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <span>
 #include <vector>
 
@@ -132,9 +131,8 @@ TEST(ImageDecoding, FilesTakeTheirScaleFromTheName) {
     objc::AutoreleasePool pool;
     const testsupport::ScratchFolder folder("uikit-image");
     const auto write = [&](const std::string& name) {
-        std::ofstream(folder / name, std::ios::binary)
-            .write(reinterpret_cast<const char*>(kRGBA3x2), sizeof kRGBA3x2);
-        return NSString::create((folder / name).string());
+        return NSString::create(
+            folder.write(name, {reinterpret_cast<const char*>(kRGBA3x2), sizeof kRGBA3x2}));
     };
     UIImage* doubled = UIImage::imageWithContentsOfFile(write("icon@2x.png").get());
     ASSERT_NE(doubled, nullptr);

@@ -1,10 +1,8 @@
-// Reads (and for tests, changes) the messenger's chat database straight through the SQLite file.
+// Reads (and for tests, changes) the host's chat database straight through the SQLite file.
 #pragma once
 
 #include <sqlite3.h>
 
-#include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,9 +10,6 @@ namespace testsupport {
 
 struct StoredDocument {
     std::string fileName;
-    std::int64_t size = 0;
-    std::string uniformType;
-    std::optional<std::string> mimeType;
     std::string mediaPath;
 };
 
@@ -34,21 +29,13 @@ inline std::vector<StoredDocument> storedDocuments(const std::string& database,
     }
     sqlite3_stmt* statement = nullptr;
     const char* sql =
-        "SELECT m.file_name, m.size_in_bytes, m.uniform_type, m.mime_type, m.media_path "
+        "SELECT m.file_name, m.media_path "
         "FROM messages m JOIN chats c ON c.id = m.chat_id "
         "WHERE c.contact_name = ?1 AND m.file_name IS NOT NULL ORDER BY m.id";
     if (sqlite3_prepare_v2(db, sql, -1, &statement, nullptr) == SQLITE_OK) {
         sqlite3_bind_text(statement, 1, chat.c_str(), -1, SQLITE_TRANSIENT);
         while (sqlite3_step(statement) == SQLITE_ROW) {
-            StoredDocument d;
-            d.fileName = columnText(statement, 0);
-            d.size = sqlite3_column_int64(statement, 1);
-            d.uniformType = columnText(statement, 2);
-            if (sqlite3_column_type(statement, 3) != SQLITE_NULL) {
-                d.mimeType = columnText(statement, 3);
-            }
-            d.mediaPath = columnText(statement, 4);
-            documents.push_back(std::move(d));
+            documents.push_back({columnText(statement, 0), columnText(statement, 1)});
         }
     }
     sqlite3_finalize(statement);
@@ -56,11 +43,12 @@ inline std::vector<StoredDocument> storedDocuments(const std::string& database,
     return documents;
 }
 
-// Runs SQL on the database as another program would; false on failure.
+// Runs SQL on the database (made if missing) as another program would; false on failure.
 inline bool runSql(const std::string& database, const std::string& sql) {
     sqlite3* db = nullptr;
     const bool done =
-        sqlite3_open_v2(database.c_str(), &db, SQLITE_OPEN_READWRITE, nullptr) == SQLITE_OK &&
+        sqlite3_open_v2(database.c_str(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
+                        nullptr) == SQLITE_OK &&
         sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
     sqlite3_close(db);
     return done;
