@@ -41,9 +41,7 @@ objc::Exception raised(F&& f) {
     return objc::Exception("", "nothing raised");
 }
 
-struct Array : ::testing::Test {
-    objc::AutoreleasePool pool;
-};
+using Array = testsupport::PoolTest;
 
 TEST_F(Array, IndexErrorsAndNilElementsRaiseWithThePlatformWording) {
     auto array = NSArray::create({NSSTR("a"), NSSTR("b"), NSSTR("c")});

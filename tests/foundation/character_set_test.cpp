@@ -17,20 +17,16 @@ bool allDigits(const char* s) {
         NSCharacterSet::characterSetWithCharactersInString(S(s)));
 }
 
-class CharacterSetTest : public ::testing::Test {
-    objc::AutoreleasePool pool_;
-};
+using CharacterSetTest = testsupport::PoolTest;
 
-TEST_F(CharacterSetTest, DecimalDigitsAreUnicodeNd) {
+TEST_F(CharacterSetTest, DecimalDigitsAreUnicodeNdAndURLSetsAllowTheirParts) {
     EXPECT_TRUE(allDigits("0123"));
     EXPECT_TRUE(allDigits(""));  // the empty set is a subset of every set
     EXPECT_FALSE(allDigits("1.5"));
     EXPECT_TRUE(allDigits("٠١٢"));  // Arabic-Indic
     EXPECT_TRUE(allDigits("𝟘𝟙"));   // mathematical double-struck, beyond the BMP
     EXPECT_FALSE(allDigits("½"));   // a number, not a decimal digit
-}
 
-TEST_F(CharacterSetTest, UrlAllowedSets) {
     NSCharacterSet* path = NSCharacterSet::URLPathAllowedCharacterSet();
     EXPECT_TRUE(path->characterIsMember(u'/'));
     EXPECT_FALSE(path->characterIsMember(u'?'));

@@ -23,7 +23,7 @@ std::string contents(NSData* data) {
     return std::string(data->view());
 }
 
-class DataFiles : public ::testing::Test {
+class DataFiles : public PoolTest {
   protected:
     objc::Strong<NSString> pathOf(const std::string& name) const {
         return NSString::create((folder_ / name).string());
@@ -43,7 +43,6 @@ TEST(Data, SubdataChecksItsRange) {
 }
 
 TEST_F(DataFiles, RoundTripsThroughFiles) {
-    objc::AutoreleasePool pool;
     std::string bytes(70000, '\0');
     for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>(i * 31);
     auto data = NSData::create(std::string_view(bytes));
@@ -98,7 +97,6 @@ TEST_F(DataFiles, AtomicWritesNeverShowAPartialFileAndLeaveNoTemporary) {
 }
 
 TEST_F(DataFiles, LoadsFileURLsAndAsksTheLoaderForOthers) {
-    objc::AutoreleasePool pool;
     auto path = pathOf("page.txt");
     ASSERT_TRUE(NSData::create(std::string_view("local"))->writeToFileAtomically(path, false));
     EXPECT_EQ(contents(NSData::dataWithContentsOfURL(NSURL::fileURLWithPath(path))), "local");

@@ -61,9 +61,7 @@ std::string joined(NSArray* array) {
     return text(array->componentsJoinedByString(NSSTR(",")));
 }
 
-struct Dictionary : ::testing::Test {
-    objc::AutoreleasePool pool;
-};
+using Dictionary = testsupport::PoolTest;
 
 TEST_F(Dictionary, MutableKeysAreCopiedOnInsertion) {
     auto key = NSMutableString::create("alpha");

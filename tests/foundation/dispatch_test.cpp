@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "foundation_helpers.h"
+
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -52,9 +54,7 @@ dispatch_queue_t globalQueue() {
     return dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0);
 }
 
-struct Dispatch : ::testing::Test {
-    objc::AutoreleasePool pool;
-};
+using Dispatch = testsupport::PoolTest;
 
 }  // namespace
 

@@ -3,27 +3,21 @@
 
 #include <gtest/gtest.h>
 
+#include "foundation_helpers.h"
+
 #include <climits>
 #include <cmath>
-#include <cstring>
-#include <limits>
 
 namespace {
 
-class NumberTest : public ::testing::Test {
-    objc::AutoreleasePool pool_;
-};
-
-std::string type(NSNumber* n) {
-    return n->objCType();
-}
+using NumberTest = testsupport::PoolTest;
 
 // Small integers are shared per encoding; sharing keeps each number's encoding and range.
 TEST_F(NumberTest, SmallIntegersAreSharedPerEncodingAndNeverCounted) {
     NSNumber* seven = NSNumber::numberWithInteger(7);
     EXPECT_EQ(NSNumber::create(7L).get(), seven);
     EXPECT_EQ(objc::adopt(objc::alloc<NSNumber>()->initWithInteger(7)).get(), seven);
-    EXPECT_EQ(type(NSNumber::create(7)), "i");
+    EXPECT_STREQ(NSNumber::create(7)->objCType(), "i");
     EXPECT_NE(static_cast<id>(NSNumber::create(7).get()), static_cast<id>(seven));
     EXPECT_EQ(NSNumber::create(-1L).get(), NSNumber::numberWithInteger(-1));
     EXPECT_NE(NSNumber::create(256L).get(), NSNumber::create(256L).get());

@@ -18,6 +18,8 @@
 
 namespace {
 
+using PropertyList = testsupport::PoolTest;
+
 using namespace testsupport;
 
 // A list of every kind: nested containers, extreme numbers, non-ASCII text, zero bytes, dates.
@@ -85,8 +87,7 @@ INSTANTIATE_TEST_SUITE_P(XMLAndBinary, PropertyListFormats,
                          ::testing::Values(NSPropertyListXMLFormat_v1_0,
                                            NSPropertyListBinaryFormat_v1_0));
 
-TEST(PropertyList, DatesKeepWholeSecondsInXMLAndMicrosecondsInBinary) {
-    objc::AutoreleasePool pool;
+TEST_F(PropertyList, DatesKeepWholeSecondsInXMLAndMicrosecondsInBinary) {
     const auto date = NSDate::create(-86400.25);  // before the reference date, with a fraction
     const auto whole = NSDate::create(700000000.0);
     auto* binary = objc::cast<NSDate>(roundTrip(date, NSPropertyListBinaryFormat_v1_0));
@@ -97,8 +98,7 @@ TEST(PropertyList, DatesKeepWholeSecondsInXMLAndMicrosecondsInBinary) {
     EXPECT_EQ(xml->interval(), 700000000.0);
 }
 
-TEST(PropertyList, ContainersThatHoldThemselvesAreRefusedNotFollowed) {
-    objc::AutoreleasePool pool;
+TEST_F(PropertyList, ContainersThatHoldThemselvesAreRefusedNotFollowed) {
     const auto loop = NSMutableArray::create();
     loop->addObject(loop.get());
     NSError* error = nullptr;
@@ -109,8 +109,7 @@ TEST(PropertyList, ContainersThatHoldThemselvesAreRefusedNotFollowed) {
     loop->removeAllObjects();  // breaks the cycle so the array can die
 }
 
-TEST(PropertyList, CorruptDataGivesAnErrorNotAnObject) {
-    objc::AutoreleasePool pool;
+TEST_F(PropertyList, CorruptDataGivesAnErrorNotAnObject) {
     for (const std::string_view bytes :
          {std::string_view("not a plist"), std::string_view("bplist00\x01\x02\x03"),
           std::string_view(""), std::string_view("<plist><dict><key>a</key>")}) {

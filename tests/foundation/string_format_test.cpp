@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "foundation_helpers.h"
+
 #include <climits>
 #include <cmath>
 #include <cstdint>
@@ -15,19 +17,14 @@ std::string fmt(const char* format, const A&... args) {
     return NSString::stringWithFormat(NSString::stringWithUTF8String(format), args...)->utf8();
 }
 
-class StringFormatTest : public ::testing::Test {
-    objc::AutoreleasePool pool_;
-};
+using StringFormatTest = testsupport::PoolTest;
 
-TEST_F(StringFormatTest, ObjectsUseTheirDescription) {
+TEST_F(StringFormatTest, ObjectsUseTheirDescriptionAndFloatsFollowC) {
     EXPECT_EQ(fmt("%@ (Parcelvane)", NSSTR("Settings")), "Settings (Parcelvane)");
     EXPECT_EQ(fmt("[%@]", nullptr), "[(null)]");
     EXPECT_EQ(fmt("%@", NSNumber::create(3)), "3");  // a strong pointer formats its object
     EXPECT_EQ(fmt("%@", NSString::objcClass()), "NSString");
     EXPECT_EQ(fmt("%-6@|%6@", NSSTR("ab"), NSSTR("cd")), "ab    |    cd");
-}
-
-TEST_F(StringFormatTest, FloatingPoint) {
     EXPECT_EQ(fmt("%f", 1.5), "1.500000");
     EXPECT_EQ(fmt("%.2f%%", 99.555f), "99.56%");
     EXPECT_EQ(fmt("%8.3f|%-8.1f|%+.0f", 3.14159, 2.25, 2.5), "   3.142|2.2     |+2");

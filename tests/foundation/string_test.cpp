@@ -20,9 +20,7 @@ bool notFound(NSRange r) {
     return r.location == static_cast<NSUInteger>(NSNotFound) && r.length == 0;
 }
 
-class StringTest : public ::testing::Test {
-    objc::AutoreleasePool pool_;
-};
+using StringTest = testsupport::PoolTest;
 
 TEST_F(StringTest, LengthsAndIndexesCountUtf16UnitsAndAreChecked) {
     NSString* s = S("a😀b");  // the emoji takes a surrogate pair

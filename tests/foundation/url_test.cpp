@@ -13,9 +13,7 @@ namespace {
 
 using namespace testsupport;
 
-class URLTest : public ::testing::Test {
-    objc::AutoreleasePool pool_;
-};
+using URLTest = testsupport::PoolTest;
 
 TEST_F(URLTest, ParsesEveryPart) {
     NSURL* url =

@@ -129,7 +129,7 @@ TEST_F(DefaultsObserving, OnlyObserversOfAChangedKeyAreTold) {
     defaults->removeObserver(other, S("beta"));
 }
 
-TEST_F(DefaultsObserving, ObserversSeeTheStoreAlreadyUpdatedAndMayWriteIt) {
+TEST_F(DefaultsObserving, ObserversSeeTheStoreUpdatedAndMayWriteItOrChangeTheObservers) {
     auto mirrorObserver = objc::make<DefaultsObserver>();
     std::string seen;
     observer->action = [&](NSString*, NSDictionary*) {
@@ -145,9 +145,8 @@ TEST_F(DefaultsObserving, ObserversSeeTheStoreAlreadyUpdatedAndMayWriteIt) {
     EXPECT_EQ(mirrorObserver->count(), 1u);
     defaults->removeObserver(observer, S("source"));
     defaults->removeObserver(mirrorObserver, S("mirror"));
-}
 
-TEST_F(DefaultsObserving, ObserversMayRemoveThemselvesOthersOrAddObserversWhileBeingTold) {
+    // They may remove themselves or others, or add observers, while being told.
     auto selfRemover = objc::make<DefaultsObserver>();
     auto victim = objc::make<DefaultsObserver>();
     auto latecomer = objc::make<DefaultsObserver>();
@@ -175,19 +174,18 @@ TEST_F(DefaultsObserving, ObserversMayRemoveThemselvesOthersOrAddObserversWhileB
     EXPECT_EQ(latecomer->count(), 1u);
     defaults->removeObserver(adder, S("k"));
     defaults->removeObserver(latecomer, S("k"));
-}
 
-TEST_F(DefaultsObserving, AnObserverThatThrowsLeavesTheDefaultsWorking) {
+    // One that throws leaves the defaults working.
     auto thrower = objc::make<DefaultsObserver>();
     thrower->action = [](NSString*, NSDictionary*) {
         objc::raise(objc::exception_name::InternalInconsistency, "observer failed");
     };
-    defaults->addObserver(thrower, S("k"), kNone, nullptr);
-    EXPECT_THROW(defaults->setIntegerForKey(1, S("k")), objc::Exception);
-    EXPECT_EQ(defaults->integerForKey(S("k")), 1);  // the change itself happened
-    defaults->removeObserver(thrower, S("k"));
-    defaults->setIntegerForKey(2, S("k"));  // no lock left held
-    EXPECT_EQ(defaults->integerForKey(S("k")), 2);
+    defaults->addObserver(thrower, S("t"), kNone, nullptr);
+    EXPECT_THROW(defaults->setIntegerForKey(1, S("t")), objc::Exception);
+    EXPECT_EQ(defaults->integerForKey(S("t")), 1);  // the change itself happened
+    defaults->removeObserver(thrower, S("t"));
+    defaults->setIntegerForKey(2, S("t"));  // no lock left held
+    EXPECT_EQ(defaults->integerForKey(S("t")), 2);
 }
 
 TEST_F(DefaultsObserving, RemovalWaitsForACallRunningOnAnotherThread) {

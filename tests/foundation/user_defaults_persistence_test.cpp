@@ -36,8 +36,7 @@ std::vector<std::string> filesIn(const std::string& folder) {
     return names;
 }
 
-struct DefaultsPersistence : ::testing::Test {
-    objc::AutoreleasePool pool;
+struct DefaultsPersistence : PoolTest {
     ScratchFolder folder;
 };
 

@@ -20,12 +20,13 @@ namespace {
 
 using namespace testsupport;
 
+using UserDefaults = PoolTest;
+
 objc::Strong<NSUserDefaults> inMemory() {
     return NSUserDefaults::create("");
 }
 
-TEST(UserDefaults, TypedSettersAndReadersConvertAsThePlatformDoes) {
-    objc::AutoreleasePool pool;
+TEST_F(UserDefaults, TypedSettersAndReadersConvertAsThePlatformDoes) {
     auto defaults = inMemory();
     defaults->setBoolForKey(true, S("flag"));
     defaults->setIntegerForKey(-7, S("count"));
@@ -46,8 +47,7 @@ TEST(UserDefaults, TypedSettersAndReadersConvertAsThePlatformDoes) {
     EXPECT_EQ(defaults->doubleForKey(S("list")), 0.0);
 }
 
-TEST(UserDefaults, RefusesNonPropertyListsNamingKeyAndClassAndStoresNothing) {
-    objc::AutoreleasePool pool;
+TEST_F(UserDefaults, RefusesNonPropertyListsNamingKeyAndClassAndStoresNothing) {
     auto defaults = inMemory();
     defaults->setObjectForKey(S("before"), S("key"));
     const auto stranger = objc::make<NSObject>();
@@ -73,8 +73,7 @@ TEST(UserDefaults, RefusesNonPropertyListsNamingKeyAndClassAndStoresNothing) {
                  objc::Exception);
 }
 
-TEST(UserDefaults, StoresImmutableCopiesSoCallersCanKeepChangingTheirObjects) {
-    objc::AutoreleasePool pool;
+TEST_F(UserDefaults, StoresImmutableCopiesSoCallersCanKeepChangingTheirObjects) {
     auto defaults = inMemory();
     auto text = NSMutableString::create("draft");
     auto items = NSMutableArray::create({text.get()});
@@ -100,7 +99,7 @@ TEST(UserDefaults, StoresImmutableCopiesSoCallersCanKeepChangingTheirObjects) {
     EXPECT_EQ(defaults->objectForKey(S("k2")), nullptr);
 }
 
-TEST(UserDefaults, AnsweredValuesOutliveLaterChanges) {
+TEST_F(UserDefaults, AnsweredValuesOutliveLaterChanges) {
     auto defaults = inMemory();
     NSObject* value = nullptr;
     {
@@ -114,8 +113,7 @@ TEST(UserDefaults, AnsweredValuesOutliveLaterChanges) {
     }
 }
 
-TEST(UserDefaults, RegisteredDefaultsAnswerUntilAValueIsSet) {
-    objc::AutoreleasePool pool;
+TEST_F(UserDefaults, RegisteredDefaultsAnswerUntilAValueIsSet) {
     auto defaults = inMemory();
     defaults->registerDefaults(
         NSDictionary::create({{S("volume"), NSNumber::create(5).get()}, {S("name"), S("anon")}}));
@@ -132,8 +130,7 @@ TEST(UserDefaults, RegisteredDefaultsAnswerUntilAValueIsSet) {
     EXPECT_THROW(defaults->registerDefaults(bad), objc::Exception);
 }
 
-TEST(UserDefaults, StandardDefaultsLiveInTheContainerUnderTheBundleIdentifier) {
-    objc::AutoreleasePool pool;
+TEST_F(UserDefaults, StandardDefaultsLiveInTheContainerUnderTheBundleIdentifier) {
     ScratchFolder home;
     ScratchFolder app;
     app.write("Info.plist", R"(<?xml version="1.0" encoding="UTF-8"?>

@@ -5,6 +5,8 @@
 #include <Foundation/NSString.h>
 #include <objc/exception.h>
 
+#include <gtest/gtest.h>
+
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
@@ -12,6 +14,11 @@
 #include <vector>
 
 namespace testsupport {
+
+// A test whose autoreleased objects go when it ends.
+struct PoolTest : ::testing::Test {
+    objc::AutoreleasePool pool;
+};
 
 // An autoreleased string, as @"..." would give.
 inline NSString* S(const char* utf8) {
