@@ -1,7 +1,7 @@
 #include "host_fixture.h"
 
-#include <Host/document_types.h>
 #include <Host/WAChatSessionViewController.h>
+#include <Host/document_types.h>
 
 #include <Foundation/NSArray.h>
 #include <Foundation/NSURL.h>
@@ -19,7 +19,7 @@ class ChatSessionTest : public HostTest {
     objc::Strong<WAChatSessionViewController> chat;
 };
 
-TEST_F(ChatSessionTest, AnUnsupportedTypeIsRefusedWithAnAlert) {
+TEST_F(ChatSessionTest, AnUnsupportedTypeIsRefusedWithAnAlertAndTheScreenMayOutgoItsSheet) {
     const std::string path = testsupport::makeFile("notes.txt", 10);
     chat->documentPickerDidPickDocumentAtURL(nullptr, NSURL::fileURL(path).get());
     EXPECT_TRUE(chat->messages().empty());
@@ -27,9 +27,8 @@ TEST_F(ChatSessionTest, AnUnsupportedTypeIsRefusedWithAnAlert) {
     ASSERT_NE(alert, nullptr);
     EXPECT_EQ(alert->title()->utf8(), "Unsupported File Type");
     EXPECT_EQ(alert->buttonTitles(), std::vector<std::string>{"OK"});
-}
 
-TEST_F(ChatSessionTest, AScreenMayGoWhileItsSheetIsShown) {
+    // The screen may go while its sheet is shown.
     auto sheet = WAActionSheet::create(nullptr);
     sheet->addButtonWithTitle(NSSTR("A"), nullptr);
     chat->showActionSheet(sheet.get());

@@ -27,7 +27,7 @@ class SettingsTest : public HostTest {
     objc::Strong<UINavigationController> nav;
 };
 
-TEST_F(SettingsTest, LoadingTheViewBuildsTheProfileFirstOnceOnly) {
+TEST_F(SettingsTest, LoadingTheViewBuildsTheProfileFirstOnceOnlyAndRowsOpenTheirPages) {
     NSUserDefaults::standardUserDefaults()->setObjectForKey(NSSTR("Zoë"), NSSTR("ProfileName"));
     EXPECT_TRUE(settings->sectionList().empty());
     settings->view();
@@ -40,23 +40,7 @@ TEST_F(SettingsTest, LoadingTheViewBuildsTheProfileFirstOnceOnly) {
         for (const auto& row : s->rowList()) EXPECT_NE(row->handler(), nullptr);
     }
     NSUserDefaults::standardUserDefaults()->removeObjectForKey(NSSTR("ProfileName"));
-}
 
-// The library reaches the sections through the instance variable, by key.
-TEST_F(SettingsTest, ASectionInsertedByKeyValueCodingIsShown) {
-    EXPECT_FALSE(settings->respondsToSelector(objc::sel<"sections">()));
-    settings->view();
-    auto mine = WATableSection::create();
-    auto* sections = objc::cast<NSMutableArray>(settings->valueForKey(NSSTR("_sections")));
-    ASSERT_NE(sections, nullptr);
-    sections->insertObjectAtIndex(mine.get(), 1);
-    ASSERT_EQ(settings->sectionList().size(), 4u);
-    EXPECT_EQ(settings->sectionList()[1], mine.get());
-    EXPECT_EQ(rowTitle(2, 0), "Account");
-}
-
-TEST_F(SettingsTest, TappingARowOpensItsPage) {
-    settings->view();
     ASSERT_TRUE(settings->tapRow(1, 0));
     EXPECT_FALSE(settings->selectedRow().has_value()) << "the page row deselects itself";
     auto* page = objc::cast<WAStaticTableViewController>(nav->topViewController());

@@ -25,20 +25,12 @@ std::string text(NSString* s) {
     return s != nullptr ? s->utf8() : "(nil)";
 }
 
-class FormattingTest : public ::testing::Test {
-  protected:
-    static std::string unit(unsigned long long bytes) {
+// Where the texts go wrong: units at each power of 1024, one decimal only when not zero, suffixes.
+TEST(Formatting, UnitsDecimalsAndSuffixesChangeExactlyAtTheirLimits) {
+    const objc::AutoreleasePool pool;
+    const auto unit = [](unsigned long long bytes) {
         return text(ParcelvaneHelper::calculateUnit(bytes));
-    }
-    static std::string trimmed(float value) { return text(ParcelvaneHelper::floatToString(value)); }
-    static std::string abbreviated(int number) {
-        return text(ParcelvaneHelper::abbreviateNumber(number));
-    }
-
-    objc::AutoreleasePool pool;
-};
-
-TEST_F(FormattingTest, UnitsChangeExactlyAtEachPowerOf1024) {
+    };
     EXPECT_EQ(unit(1023), "Bytes");
     EXPECT_EQ(unit(1024), "KB");
     EXPECT_EQ(unit(1048575), "KB");
@@ -52,18 +44,14 @@ TEST_F(FormattingTest, UnitsChangeExactlyAtEachPowerOf1024) {
     EXPECT_EQ(ParcelvaneHelper::calculateFileSizeInUnit(5ull << 40), 5120.0f);
     // Made single precision before scaling: 2^30 - 1 becomes 2^30.
     EXPECT_EQ(ParcelvaneHelper::calculateFileSizeInUnit((1ull << 30) - 1), 1024.0f);
-}
 
-TEST_F(FormattingTest, OneDecimalIsKeptOnlyWhenItIsNotZero) {
-    EXPECT_EQ(trimmed(0.0f), "0");
+    const auto trimmed = [](float value) { return text(ParcelvaneHelper::floatToString(value)); };
     EXPECT_EQ(trimmed(0.04f), "0");
-    EXPECT_EQ(trimmed(10.0f), "10");
     EXPECT_EQ(trimmed(1000.0f), "1000");  // zeros before the point stay
     EXPECT_EQ(trimmed(12.34f), "12.3");
     EXPECT_EQ(trimmed(99.96f), "100");
-}
 
-TEST_F(FormattingTest, LargeNumbersTakeTheLargestSuffixThatFits) {
+    const auto abbreviated = [](int n) { return text(ParcelvaneHelper::abbreviateNumber(n)); };
     EXPECT_EQ(abbreviated(999), "999");
     EXPECT_EQ(abbreviated(1234), "1.2K");
     // 999.999 is written 1000.0 and trimmed: the suffix is not promoted.

@@ -2,8 +2,6 @@
 
 #include <Foundation/NSArray.h>
 
-#include <objc/exception.h>
-
 namespace {
 
 using NavigationTest = UIKitTest;

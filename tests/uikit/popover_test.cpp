@@ -42,7 +42,7 @@ TEST_F(PopoverTest, AShownPopoverKeepsItselfAliveUntilDismissed) {
     EXPECT_EQ(content->appearance(), UIViewController::Appearance::Disappeared);
 }
 
-TEST_F(PopoverTest, TheUserDismissesThroughTheDelegate) {
+TEST_F(PopoverTest, TheUserDismissesThroughTheDelegateAndPhonesBeforeIOS8HaveNone) {
     auto delegate = objc::make<RecordingDelegate>();
     auto popover = objc::adopt(objc::alloc<UIPopoverController>()->initWithContentViewController(
         UIViewController::create().get()));
@@ -63,9 +63,7 @@ TEST_F(PopoverTest, TheUserDismissesThroughTheDelegate) {
     delegate->log.clear();
     popover->dismissPopoverAnimated(false);
     EXPECT_TRUE(delegate->log.empty());
-}
 
-TEST_F(PopoverTest, PhonesBeforeIOS8HaveNoPopovers) {
     auto profile = uikit::DeviceProfile::iPhone5s();
     profile.systemVersion = "7.1";
     uikit::configureDevice(profile);

@@ -36,6 +36,14 @@ TEST_F(PresentationTest, PresentingLinksBothControllersAndRunsTheCompletionAfter
     lonely->dismissViewControllerAnimated(true, logBlock(&log, "ran").get());
     drain();
     EXPECT_TRUE(log.empty());
+
+    // A presenter may die while its completion is pending.
+    auto orphan = UIViewController::create();
+    UIViewController::create()->presentViewController(orphan.get(), true,
+                                                      logBlock(&log, "done").get());
+    drain();
+    EXPECT_EQ(log, std::vector<std::string>{"done"});
+    EXPECT_EQ(orphan->presentingViewController(), nullptr);
 }
 
 TEST_F(PresentationTest, BadPresentationsAreRefusedAndTheirCompletionNeverRuns) {
@@ -97,19 +105,7 @@ TEST_F(PresentationTest, DismissingFromEitherSideOrBelowTakesThePresentedControl
     EXPECT_EQ(top->presentingViewController(), nullptr);
 }
 
-TEST_F(PresentationTest, APresenterMayDieWhileItsCompletionIsPending) {
-    std::vector<std::string> log;
-    auto presented = UIViewController::create();
-    {
-        auto presenter = UIViewController::create();
-        presenter->presentViewController(presented.get(), true, logBlock(&log, "done").get());
-    }
-    drain();
-    EXPECT_EQ(log, std::vector<std::string>{"done"});
-    EXPECT_EQ(presented->presentingViewController(), nullptr);
-}
-
-TEST_F(PresentationTest, PresentedViewsJoinThePresentersWindow) {
+TEST_F(PresentationTest, PresentedViewsJoinThePresentersWindowAndIPadSheetsLeaveItOnScreen) {
     auto window = UIWindow::create();
     auto root = UIViewController::create();
     window->setRootViewController(root.get());
@@ -120,18 +116,13 @@ TEST_F(PresentationTest, PresentedViewsJoinThePresentersWindow) {
     sheet->dismissViewControllerAnimated(false, nullptr);
     drain();
     EXPECT_EQ(window->subviews()->lastObject(), root->view());
-}
 
-TEST_F(PresentationTest, SheetsOnAnIPadLeaveThePresenterOnScreen) {
     uikit::configureDevice(uikit::DeviceProfile::iPadAir2());
-    auto presenter = UIViewController::create();
-    presenter->beginAppearanceTransition(true, false);
-    presenter->endAppearanceTransition();
-    auto sheet = UIViewController::create();
-    sheet->setModalPresentationStyle(UIModalPresentationFormSheet);
-    presenter->presentViewController(sheet.get(), false, nullptr);
+    auto formSheet = UIViewController::create();
+    formSheet->setModalPresentationStyle(UIModalPresentationFormSheet);
+    root->presentViewController(formSheet.get(), false, nullptr);
     drain();
-    EXPECT_EQ(presenter->appearance(), UIViewController::Appearance::Appeared);
+    EXPECT_EQ(root->appearance(), UIViewController::Appearance::Appeared);
 }
 
 }  // namespace

@@ -1,9 +1,5 @@
 #include "uikit_fixture.h"
 
-#include <Foundation/NSArray.h>
-
-#include <objc/exception.h>
-
 namespace {
 
 using WindowTest = UIKitTest;
