@@ -7,6 +7,7 @@
 
 #include <objc/encoding.h>
 #include <objc/message.h>
+#include <objc/passing.h>
 #include <objc/runtime.h>
 
 #include <span>
@@ -44,9 +45,10 @@ struct Original<Hook> {
     // inherited the method: asks the saved superclass at each call, so that
     // a later change to it is seen. The receiver's own superclass would not
     // do: for an instance of a subclass it is the hooked class again.
-    static R fromSuperclass(id self, SEL sel, A... args) {
-        return objc::callImp<R>(class_getMethodImplementation(savedSuperclass, sel), self, sel,
-                                args...);
+    static objc::detail::Travel<R> fromSuperclass(id self, SEL sel,
+                                                  objc::detail::Travel<A>... args) {
+        return objc::callImp<objc::detail::Travel<R>>(
+            class_getMethodImplementation(savedSuperclass, sel), self, sel, args...);
     }
 
     static R call(id self, SEL sel, A... args) { return objc::callImp<R>(imp, self, sel, args...); }
@@ -82,7 +84,7 @@ HookRow replace(const char* className, const char* selector) {
     using Slots = Original<Hook>;
     return HookRow{.className = className,
                    .selector = selector,
-                   .implementation = reinterpret_cast<IMP>(Hook),
+                   .implementation = objc::implementationOf<Hook>(),
                    .types = methodTypes(Hook),
                    .original = &Slots::imp,
                    .savedSuperclass = &Slots::savedSuperclass,
@@ -94,7 +96,7 @@ template <auto Method>
 HookRow add(const char* className, const char* selector) {
     return HookRow{.className = className,
                    .selector = selector,
-                   .implementation = reinterpret_cast<IMP>(Method),
+                   .implementation = objc::implementationOf<Method>(),
                    .types = methodTypes(Method),
                    .original = nullptr,
                    .savedSuperclass = nullptr,

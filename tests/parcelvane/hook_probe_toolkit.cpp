@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
 
 namespace testsupport {
 
@@ -28,14 +29,17 @@ const char* hostTypes(const std::string& selector) {
 namespace {
 
 void ignore(id, SEL, id) {}
+void ignoreInteger(id, SEL, long) {}
 
 Class definePart(const char* name, std::initializer_list<const char*> setters) {
     const Class cls = objc_allocateClassPair(NSObject::objcClass(), name, 0);
     check(cls != nullptr, std::string("defined ") + name);
     for (const char* setter : setters) {
-        // Also stands for setModalPresentationStyle:, whose argument is ignored.
-        class_addMethod(cls, sel_registerName(setter), reinterpret_cast<IMP>(&ignore),
-                        "v24@0:8@16");
+        const bool integer = std::string_view(setter) == "setModalPresentationStyle:";
+        class_addMethod(
+            cls, sel_registerName(setter),
+            integer ? reinterpret_cast<IMP>(&ignoreInteger) : reinterpret_cast<IMP>(&ignore),
+            integer ? "v24@0:8q16" : "v24@0:8@16");
     }
     objc_registerClassPair(cls);
     return cls;

@@ -21,7 +21,7 @@ class DefaultsSpy {
 
     DefaultsSpy() {
         current() = this;
-        saved_ = method_setImplementation(method(), reinterpret_cast<IMP>(&spySetObject));
+        saved_ = method_setImplementation(method(), objc::implementationOf<&spySetObject>());
     }
     ~DefaultsSpy() {
         method_setImplementation(method(), saved_);

@@ -63,6 +63,7 @@
 
 #include <objc/encoding.h>
 #include <objc/message.h>
+#include <objc/passing.h>
 #include <objc/property_accessors.h>
 #include <objc/strong.h>
 
@@ -101,17 +102,24 @@ struct PV_EXPORT IvarAccess {
 };
 PV_EXPORT void addIvar(Class cls, const char* name, const char* types, IvarAccess access);
 
+// Member and class-method implementations are reached through a thunk of
+// the travelling function type (objc/passing.h).
 template <auto Fn>
 struct MemberThunk;
-
 template <class T, class R, class... A, R (T::*F)(A...)>
 struct MemberThunk<F> {
-    static R call(id self, SEL, A... a) { return (static_cast<T*>(self)->*F)(a...); }
+    static Travel<R> call(id self, SEL, Travel<A>... a) {
+        return returnTravelling<R>(
+            [&] { return (static_cast<T*>(self)->*F)(travelCast<A>(a)...); });
+    }
     static const char* types() { return methodEncoding<R, A...>(); }
 };
 template <class T, class R, class... A, R (T::*F)(A...) const>
 struct MemberThunk<F> {
-    static R call(id self, SEL, A... a) { return (static_cast<const T*>(self)->*F)(a...); }
+    static Travel<R> call(id self, SEL, Travel<A>... a) {
+        return returnTravelling<R>(
+            [&] { return (static_cast<const T*>(self)->*F)(travelCast<A>(a)...); });
+    }
     static const char* types() { return methodEncoding<R, A...>(); }
 };
 
@@ -119,25 +127,8 @@ template <auto Fn>
 struct ClassThunk;
 template <class R, class... A, R (*F)(Class, A...)>
 struct ClassThunk<F> {
-    static R call(id self, SEL, A... a) { return F(static_cast<Class>(self), a...); }
-    static const char* types() { return methodEncoding<R, A...>(); }
-};
-
-template <auto Fn>
-struct ImpStyle;
-// Every implementation is called as R(id, SEL, A...): one that takes its
-// receiver as a class or a subclass pointer is reached through a thunk, so
-// that no function is ever called through a type other than its own.
-template <class Self, class R, class... A, R (*F)(Self, SEL, A...)>
-struct ImpStyle<F> {
-    static_assert(std::is_pointer_v<Self>, "an implementation takes the receiver first");
-    static R call(id self, SEL cmd, A... a) { return F(static_cast<Self>(self), cmd, a...); }
-    static IMP imp() {
-        if constexpr (std::is_same_v<Self, id>) {
-            return reinterpret_cast<IMP>(F);
-        } else {
-            return reinterpret_cast<IMP>(&call);
-        }
+    static Travel<R> call(id self, SEL, Travel<A>... a) {
+        return returnTravelling<R>([&] { return F(travelCast<Class>(self), travelCast<A>(a)...); });
     }
     static const char* types() { return methodEncoding<R, A...>(); }
 };
@@ -186,14 +177,14 @@ class ClassBuilder {
     // An instance method implemented by a function taking (receiver, SEL, args...).
     template <auto Fn>
     ClassBuilder& imp(const char* selector) {
-        using Thunk = detail::ImpStyle<Fn>;
+        using Thunk = detail::ImpThunk<Fn>;
         class_replaceMethod(cls_, sel_registerName(selector), Thunk::imp(), Thunk::types());
         return *this;
     }
     // A class method implemented by a function taking (class, SEL, args...).
     template <auto Fn>
     ClassBuilder& classImp(const char* selector) {
-        using Thunk = detail::ImpStyle<Fn>;
+        using Thunk = detail::ImpThunk<Fn>;
         class_replaceMethod(meta_, sel_registerName(selector), Thunk::imp(), Thunk::types());
         return *this;
     }

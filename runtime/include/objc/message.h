@@ -2,6 +2,7 @@
 #pragma once
 
 #include <objc/encoding.h>
+#include <objc/passing.h>
 #include <objc/runtime.h>
 
 #include <cstring>
@@ -76,11 +77,6 @@ R zeroResult() {
     if constexpr (!std::is_void_v<R>) return R{};
 }
 
-// A literal nullptr travels as a nil object: nullptr_t has no defined
-// register value, so it is never passed as itself.
-template <class A>
-using Passed = std::conditional_t<std::is_null_pointer_v<A>, id, A>;
-
 template <class... A>
 constexpr void checkArguments() {
     static_assert((std::is_trivially_copyable_v<A> && ...),
@@ -97,8 +93,8 @@ inline SEL sel() {
     return s;
 }
 
-// Sends a message. Argument and result types must be those of the method:
-// the implementation is called through exactly this function type.
+// Sends a message. Argument and result types must be those of the method's
+// encoding; they cross as objc/passing.h describes.
 template <class R = void, class... A>
 inline R msgSend(id self, SEL sel, A... args) {
     detail::checkArguments<A...>();
@@ -112,8 +108,7 @@ inline R msgSend(id self, SEL sel, A... args) {
             return detail::forward<R, detail::Passed<A>...>(self, sel, detail::Passed<A>(args)...);
         }
     }
-    return reinterpret_cast<R (*)(id, SEL, detail::Passed<A>...)>(imp)(self, sel,
-                                                                       detail::Passed<A>(args)...);
+    return detail::callTravelling<R>(imp, self, sel, args...);
 }
 
 // Sends a message to self, starting the lookup at the given class. Super
@@ -130,8 +125,7 @@ inline R msgSendSuper(Class start, id self, SEL sel, A... args) {
             return detail::forward<R, detail::Passed<A>...>(self, sel, detail::Passed<A>(args)...);
         }
     }
-    return reinterpret_cast<R (*)(id, SEL, detail::Passed<A>...)>(imp)(self, sel,
-                                                                       detail::Passed<A>(args)...);
+    return detail::callTravelling<R>(imp, self, sel, args...);
 }
 
 // [super ...] in a method that class Defining defines: the lookup starts at
@@ -156,8 +150,7 @@ inline R sendIfAny(id maybeNil, SEL sel, A... args) {
 template <class R = void, class... A>
 inline R callImp(IMP imp, id self, SEL sel, A... args) {
     detail::checkArguments<A...>();
-    return reinterpret_cast<R (*)(id, SEL, detail::Passed<A>...)>(imp)(self, sel,
-                                                                       detail::Passed<A>(args)...);
+    return detail::callTravelling<R>(imp, self, sel, args...);
 }
 
 }  // namespace objc

@@ -107,7 +107,9 @@ struct PropertyGetter {
     using Slot = PropertySlot<M>;
     using Value = typename Slot::Value;
 
-    static Value call(id self, SEL) {
+    static Travel<Value> call(id self, SEL) { return travelCast<Travel<Value>>(read(self)); }
+
+    static Value read(id self) {
         const M& slot = static_cast<T*>(self)->*Member;
         if constexpr (!Atomic) {
             return Slot::read(slot);
@@ -132,7 +134,9 @@ struct PropertySetter {
     using Slot = PropertySlot<M>;
     using Value = typename Slot::Value;
 
-    static void call(id self, SEL, Value value) {
+    static void call(id self, SEL, Travel<Value> value) { write(self, travelCast<Value>(value)); }
+
+    static void write(id self, Value value) {
         M& slot = static_cast<T*>(self)->*Member;
         if constexpr (Slot::kOwning) {
             M next;

@@ -18,8 +18,8 @@ using Class = objc_class*;
 using SEL = const objc_selector*;
 using Method = objc_method*;
 using Ivar = objc_ivar*;
-// Type-erased implementation; always cast to the exact function type
-// R(*)(id, SEL, Args...) before calling.
+// Type-erased implementation; called only through the function type its
+// encoding gives it (objc/passing.h).
 using IMP = void (*)();
 using BOOL = bool;
 using NSInteger = long;
