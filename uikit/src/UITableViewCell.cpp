@@ -73,6 +73,14 @@ void UITableViewCell::build(UITableViewCellStyle style, NSString* reuseIdentifie
         detailTextLabel_ = UILabel::create();
         contentView_->addSubview(detailTextLabel_.get());
     }
+    // The platform's type sizes: a subtitle is small; the value 2 style has
+    // a small bold title beside its detail.
+    if (style_ == UITableViewCellStyleSubtitle) {
+        detailTextLabel_->setFont(UIFont::systemFontOfSize(12));
+    } else if (style_ == UITableViewCellStyleValue2) {
+        textLabel_->setFont(UIFont::boldSystemFontOfSize(12));
+        detailTextLabel_->setFont(UIFont::systemFontOfSize(12));
+    }
 }
 
 void UITableViewCell::imp_setAccessoryView(UIView* view) {
