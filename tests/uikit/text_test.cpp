@@ -3,6 +3,7 @@
 
 #include <UIKit/UILabel.h>
 #include <UIKit/UITableViewCell.h>
+#include <UIKit/UITableViewHeaderFooterView.h>
 #include <UIKit/text_layout.h>
 
 #include <Foundation/NSDictionary.h>
@@ -135,6 +136,8 @@ TEST_F(TextTest, LabelsMeasureTheirText) {
     EXPECT_EQ(
         label->attributedText()->attributeAtIndexEffectiveRange(NSFontAttributeName, 0, nullptr),
         label->font());
+    label->setFont(UIFont::systemFontOfSize(34));
+    EXPECT_NEAR(label->intrinsicContentSize().width, large.width, 1);
     label->setFont(nullptr);
     EXPECT_EQ(label->font()->pointSize(), 17);
 
@@ -144,6 +147,13 @@ TEST_F(TextTest, LabelsMeasureTheirText) {
     cell->detailTextLabel()->setText(NSSTR("Title"));
     EXPECT_GT(cell->textLabel()->intrinsicContentSize().width,
               cell->detailTextLabel()->intrinsicContentSize().width);
+    // A footer grows with its wrapped text; without text it takes no room.
+    auto footer = UITableViewHeaderFooterView::create(NSSTR("footer"));
+    EXPECT_EQ(footer->sizeThatFits(CGSizeMake(320, 0)).height, 0);
+    footer->textLabel()->setText(NSSTR("Documents of any type can be sent in a chat."));
+    const CGFloat wide = footer->sizeThatFits(CGSizeMake(320, 0)).height;
+    EXPECT_GT(wide, 2 * UITableViewHeaderFooterView::kVerticalPadding);
+    EXPECT_GT(footer->sizeThatFits(CGSizeMake(120, 0)).height, wide);
 }
 
 TEST_F(TextTest, BadTextMeasuresWithoutCrashing) {

@@ -38,8 +38,9 @@ NSAttributedString* UILabel::imp_attributedText() {
     // Plain text answers as attributed text in the label's own style.
     std::vector<std::pair<id, id>> attributes{{NSFontAttributeName, font()}};
     if (textColor_) attributes.emplace_back(NSForegroundColorAttributeName, textColor_.get());
-    attributedText_ = NSAttributedString::create(text_.get(), NSDictionary::create(attributes));
-    return attributedText_.get();
+    // Made afresh: kept, it would pin the font and colour of this moment.
+    return objc::autorelease(
+        NSAttributedString::create(text_.get(), NSDictionary::create(attributes)).leak());
 }
 
 void UILabel::imp_setAttributedText(NSAttributedString* text) {

@@ -18,6 +18,7 @@
 #include <UIKit/UISwitch.h>
 #include <UIKit/UITableView.h>
 #include <UIKit/UITableViewCell.h>
+#include <UIKit/UITableViewHeaderFooterView.h>
 #include <UIKit/UIView.h>
 #include <UIKit/UIViewController.h>
 #include <UIKit/UIWindow.h>
