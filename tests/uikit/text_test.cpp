@@ -165,6 +165,12 @@ TEST_F(TextTest, BadTextMeasuresWithoutCrashing) {
     label->setNumberOfLines(3);
     EXPECT_EQ(label->sizeThatFits(CGSizeMake(300, 0)).height,
               std::ceil(3 * measure("x", 0, label->font()).height));
+    // Unlimited: laid out in part, the rest estimated (about 4 words a line).
+    label->setNumberOfLines(0);
+    const CGFloat lines =
+        label->sizeThatFits(CGSizeMake(300, 0)).height / measure("x", 0, label->font()).height;
+    EXPECT_GT(lines, (1 << 20) / 8 / 5);
+    EXPECT_LT(lines, (1 << 20) / 8 / 2);
 
     // Lone surrogates reach Pango as U+FFFD; NULs too.
     auto lone = NSString::create(std::u16string{u'a', char16_t(0xD800), u'b', char16_t(0xDC00)});

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <string>
 
 namespace uikit {
@@ -16,6 +17,11 @@ namespace {
 // a few lines shows a few hundred characters, and a megabyte of text must
 // not cost seconds to measure.
 constexpr std::size_t kBytesPerLine = 16 * 1024;
+// With no line limit, at most this much is laid out (a thousand lines at a
+// phone's width) and the height of the rest is estimated from it: Pango
+// takes seconds over a megabyte, and gives up on a paragraph of a few
+// hundred kilobytes.
+constexpr std::size_t kBytesUnlimited = 32 * 1024;
 constexpr const char* kArabicFamily = "Noto Sans Arabic";
 
 // The code point at `i` of valid UTF-8, advancing `i`.
@@ -52,10 +58,15 @@ bool isRightToLeftScript(GUnicodeScript script) {
     }
 }
 
+struct Prepared {
+    std::string text;
+    double share = 1;  // of the whole text, when it was cut for length alone
+};
+
 // What is laid out: a one-line text stops at its first line break (the
 // platform shows the first paragraph), long texts are cut at a character,
 // and NULs (which Pango reads as the end) become U+FFFD.
-std::string preparedText(const TextBlock& block) {
+Prepared preparedText(const TextBlock& block) {
     std::string_view text = block.utf8;
     if (block.numberOfLines == 1) {
         std::size_t end = text.find_first_of("\r\n");
@@ -64,20 +75,21 @@ std::string preparedText(const TextBlock& block) {
         }
         text = text.substr(0, end);
     }
-    if (block.numberOfLines > 0) {
-        std::size_t cap = static_cast<std::size_t>(block.numberOfLines) * kBytesPerLine;
-        if (text.size() > cap) {
-            while (cap > 0 && (static_cast<unsigned char>(text[cap]) & 0xC0) == 0x80) --cap;
-            text = text.substr(0, cap);
-        }
+    Prepared out;
+    std::size_t cap = block.numberOfLines > 0
+                          ? static_cast<std::size_t>(block.numberOfLines) * kBytesPerLine
+                          : kBytesUnlimited;
+    if (text.size() > cap) {
+        while (cap > 0 && (static_cast<unsigned char>(text[cap]) & 0xC0) == 0x80) --cap;
+        if (block.numberOfLines <= 0) out.share = double(cap) / double(text.size());
+        text = text.substr(0, cap);
     }
-    std::string out;
-    out.reserve(text.size());
+    out.text.reserve(text.size());
     for (const char c : text) {
         if (c == '\0') {
-            out += "\uFFFD";
+            out.text += "\uFFFD";
         } else {
-            out.push_back(c);
+            out.text.push_back(c);
         }
     }
     return out;
@@ -208,7 +220,8 @@ bool isRightToLeft(std::string_view utf8) {
 }
 
 CGSize measureText(const TextBlock& block, CGFloat width) {
-    const std::string text = preparedText(block);
+    const Prepared prepared = preparedText(block);
+    const std::string& text = prepared.text;
     const std::shared_ptr<const FontFace> system = faceOf(block.font);
     const FontFace& face = system ? *system : block.font->face();
     TextEngine& engine = TextEngine::shared();
@@ -217,7 +230,15 @@ CGSize measureText(const TextBlock& block, CGFloat width) {
     TextBlock measured = block;
     measured.alignment = NSTextAlignmentLeft;  // the box, not where lines sit in it
     configure(layout, text, measured, face, width, 0);
-    const PangoRectangle extent = visibleExtent(layout, block.numberOfLines);
+    PangoRectangle extent = visibleExtent(layout, block.numberOfLines);
+    if (prepared.share < 1) {
+        // The rest of a cut text, in whole lines as high as the first.
+        PangoRectangle first;
+        pango_layout_line_get_extents(pango_layout_get_line_readonly(layout, 0), nullptr, &first);
+        const double lines = std::ceil(extent.height / prepared.share / std::max(first.height, 1));
+        extent.height = static_cast<int>(
+            std::min(lines * first.height, double(std::numeric_limits<int>::max())));
+    }
     // The shared layout would otherwise keep a long text alive.
     if (text.size() > kBytesPerLine) pango_layout_set_text(layout, "", 0);
     return CGSizeMake(extent.width / double(PANGO_SCALE), extent.height / double(PANGO_SCALE));
@@ -225,7 +246,8 @@ CGSize measureText(const TextBlock& block, CGFloat width) {
 
 void drawText(cairo_t* cr, CGRect rect, const TextBlock& block, TextColor color) {
     if (cr == nullptr || !(rect.size.width > 0) || !(rect.size.height > 0)) return;
-    const std::string text = preparedText(block);
+    // A cut text draws its first part: no screen shows a thousand lines.
+    const std::string text = preparedText(block).text;
     const std::shared_ptr<const FontFace> system = faceOf(block.font);
     const FontFace& face = system ? *system : block.font->face();
     TextEngine& engine = TextEngine::shared();
