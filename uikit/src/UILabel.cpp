@@ -10,14 +10,16 @@ OBJC_DEFINE_CLASS(UILabel, UIView, "UILabel")
 OBJC_REGISTER_CLASS(UILabel)
 
 void UILabel::objcDefine(objc::ClassBuilder<UILabel>& b) {
-    b.method<&UILabel::imp_text>("text")
+    // Declared as the platform declares them; the accessors that do more
+    // than load and store replace the generated ones.
+    b.property<&UILabel::text_>("text", objc::Copy | objc::Nonatomic)
         .method<&UILabel::imp_setText>("setText:")
+        .property<&UILabel::attributedText_>("attributedText", objc::Copy | objc::Nonatomic)
         .method<&UILabel::imp_attributedText>("attributedText")
         .method<&UILabel::imp_setAttributedText>("setAttributedText:")
+        .property<&UILabel::font_>("font", objc::Nonatomic)
         .method<&UILabel::imp_font>("font")
-        .method<&UILabel::imp_setFont>("setFont:")
-        .method<&UILabel::imp_textColor>("textColor")
-        .method<&UILabel::imp_setTextColor>("setTextColor:")
+        .property<&UILabel::textColor_>("textColor", objc::Nonatomic)
         .property<&UILabel::alignment_>("textAlignment", objc::Nonatomic)
         .property<&UILabel::lines_>("numberOfLines", objc::Nonatomic)
         .property<&UILabel::lineBreakMode_>("lineBreakMode", objc::Nonatomic)
@@ -54,11 +56,7 @@ UIFont* UILabel::imp_font() {
     return font_.get();
 }
 
-void UILabel::imp_setFont(UIFont* font) {
-    font_ = objc::retained(font);
-}
-
-uikit::TextBlock UILabel::textBlock() noexcept {
+uikit::TextBlock UILabel::textBlock() {
     uikit::TextBlock block;
     if (text_) block.utf8 = text_->utf8();
     block.font = font();

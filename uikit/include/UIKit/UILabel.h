@@ -77,19 +77,15 @@ class PV_EXPORT UILabel : public UIView {
 
     // What the label lays out, for drawing it (uikit::drawText); the text
     // lives as long as the label keeps it.
-    uikit::TextBlock textBlock() noexcept;
+    uikit::TextBlock textBlock();
 
     UILabel() = default;
 
   private:
-    NSString* imp_text() const { return text_.get(); }
     void imp_setText(NSString* text);
     NSAttributedString* imp_attributedText();
     void imp_setAttributedText(NSAttributedString* text);
     UIFont* imp_font();
-    void imp_setFont(UIFont* font);
-    id imp_textColor() const { return textColor_.get(); }
-    void imp_setTextColor(id color) { textColor_ = objc::retained(color); }
     CGSize imp_intrinsicContentSize();
     CGSize imp_sizeThatFits(CGSize size);
     void imp_sizeToFit();
