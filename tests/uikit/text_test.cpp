@@ -10,9 +10,12 @@
 
 #include <cairo.h>
 
+#include <atomic>
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <thread>
+#include <vector>
 
 namespace {
 
@@ -66,6 +69,18 @@ TEST_F(TextTest, MeasuresRealText) {
         NSString::create(paragraph), CGSizeMake(150, std::numeric_limits<CGFloat>::max()),
         NSStringDrawingUsesLineFragmentOrigin, attributes);
     EXPECT_DOUBLE_EQ(box.size.height, at150.height);
+    // Pango is shared between threads: concurrent measuring agrees.
+    std::vector<std::thread> threads;
+    std::atomic<int> disagreements{0};
+    for (int t = 0; t < 3; ++t) {
+        threads.emplace_back([&] {
+            for (int i = 0; i < 50; ++i) {
+                if (measure(paragraph, 150).height != at150.height) ++disagreements;
+            }
+        });
+    }
+    for (auto& thread : threads) thread.join();
+    EXPECT_EQ(disagreements, 0);
     EXPECT_GT(uikit::sizeWithAttributes(NSSTR("Settings"), nullptr).width, 0);  // 12 points
     EXPECT_LT(uikit::sizeWithAttributes(NSSTR("Settings"), nullptr).width, sized.width);
 }
