@@ -34,6 +34,7 @@ void UIView::objcDefine(objc::ClassBuilder<UIView>& b) {
         .method<&UIView::imp_layer>("layer")
         .property<&UIView::accessibilityTraits_>("accessibilityTraits", objc::Nonatomic)
         .method<&UIView::imp_nextResponder>("nextResponder");
+    defineLayout(b);
 }
 
 objc::Strong<UIView> UIView::create(CGRect frame) {
@@ -60,9 +61,11 @@ CGRect UIView::imp_frame() const {
 }
 
 void UIView::imp_setFrame(CGRect frame) {
+    const CGSize old = bounds_.size;
     bounds_.size = frame.size;
     center_ =
         CGPointMake(frame.origin.x + frame.size.width / 2, frame.origin.y + frame.size.height / 2);
+    sizeDidChange(old);
 }
 
 NSArray* UIView::imp_subviews() const {
@@ -96,6 +99,7 @@ void UIView::insertAt(UIView* view, std::size_t index) {
     index = std::min(index, subviews_.size());
     subviews_.insert(subviews_.begin() + static_cast<std::ptrdiff_t>(index), keep);
     view->superview_ = this;
+    setNeedsLayout();
 }
 
 void UIView::imp_bringSubviewToFront(UIView* view) {
@@ -113,6 +117,8 @@ void UIView::imp_removeFromSuperview() {
 void UIView::detachFromSuperview() {
     UIView* const parent = superview_;
     if (parent == nullptr) return;
+    parent->dropConstraintsAcross(this);
+    parent->setNeedsLayout();
     superview_ = nullptr;
     auto& list = parent->subviews_;
     const auto it =
