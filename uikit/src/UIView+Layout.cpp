@@ -4,9 +4,29 @@
 
 #include "layout_system.h"
 
+#include <UIKit/UIWindow.h>
+
 #include <Foundation/NSArray.h>
+#include <Foundation/dispatch.h>
 
 #include <algorithm>
+#include <atomic>
+
+namespace {
+
+// Whether a layout pass of the key window is queued: one per turn of the
+// main loop, however many views were marked, as the platform's run loop does.
+std::atomic<bool> passQueued{false};
+
+void queueLayoutPass() {
+    if (passQueued.exchange(true)) return;
+    dispatch_async(dispatch_get_main_queue(), [] {
+        passQueued = false;
+        if (const auto window = objc::retained(UIWindow::keyWindow())) window->layoutIfNeeded();
+    });
+}
+
+}  // namespace
 
 void UIView::defineLayout(objc::ClassBuilder<UIView>& b) {
     b.method<&UIView::imp_setBounds>("setBounds:")
@@ -93,7 +113,17 @@ void UIView::imp_sizeToFit() {
     setFrame(CGRectMake(frame.origin.x, frame.origin.y, size.width, size.height));
 }
 
+void UIView::imp_setNeedsLayout() {
+    needsLayout_ = true;
+    queueLayoutPass();
+}
+
 void UIView::imp_layoutSubviews() {
+    // Nothing placed by constraints here: frames and autoresizing are all.
+    if (constraints_.empty() && std::all_of(subviews_.begin(), subviews_.end(),
+                                            [](const auto& v) { return v->translatesMask_; })) {
+        return;
+    }
     uikit::LayoutSystem system(this, uikit::LayoutSystem::Scope::Layout);
     if (!system.hasConstraints()) return;
     system.solve(bounds_.size, UILayoutPriorityRequired);

@@ -249,7 +249,7 @@ class PV_EXPORT UIView : public UIResponder {
     CGSize imp_sizeThatFits(CGSize size);
     void imp_sizeToFit();
     void imp_layoutSubviews();
-    void imp_setNeedsLayout() { needsLayout_ = true; }
+    void imp_setNeedsLayout();
     void imp_layoutIfNeeded();
     NSArray* imp_constraints() const;
     void imp_addConstraint(NSLayoutConstraint* constraint);
