@@ -117,6 +117,13 @@ TEST_F(LayoutTest, InequalitiesCentresPrioritiesAndActivation) {
     auto stranger = UIView::create(CGRectZero);
     EXPECT_ANY_THROW(equal(box.get(), NSLayoutAttributeLeft, stranger.get(), NSLayoutAttributeLeft)
                          ->setActive(true));
+
+    // A constraint kept beyond the view holding it is inactive, not dangling.
+    const auto kept = objc::retained(wide);
+    parent.reset();
+    box.reset();
+    EXPECT_FALSE(kept->isActive());
+    kept->setConstant(5);
 }
 
 TEST_F(LayoutTest, UnsatisfiableRequiredConstraintIsLoggedOnceAndBroken) {

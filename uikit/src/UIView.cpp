@@ -43,6 +43,8 @@ objc::Strong<UIView> UIView::create(CGRect frame) {
 
 UIView::~UIView() {
     for (const auto& view : subviews_) view->superview_ = nullptr;
+    // A constraint kept elsewhere outlives its holder as an inactive one.
+    for (const auto& constraint : constraints_) constraint->owner_ = nullptr;
 }
 
 UIView* UIView::imp_init() {
