@@ -71,7 +71,10 @@ TEST_F(LayoutTest, PinnedViewFollowsItsSuperviewAndChangedConstants) {
     parent->layoutIfNeeded();
     EXPECT_EQ(badge->frame(), CGRectMake(250, 0, 30, 30));
 
-    // Leaving the tree takes the constraints that name the view along.
+    // Reordering keeps the constraints; leaving the tree takes the ones
+    // that name the view along.
+    parent->bringSubviewToFront(child.get());
+    EXPECT_EQ(parent->constraints()->count(), 8u);
     child->removeFromSuperview();
     EXPECT_EQ(parent->constraints()->count(), 4u);
 }

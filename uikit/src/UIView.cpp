@@ -97,6 +97,10 @@ void UIView::insertAt(UIView* view, std::size_t index) {
         }
     }
     const objc::Strong<UIView> keep = objc::retained(view);
+    // Reordering keeps the view's constraints; leaving its superview does not.
+    if (view->superview_ != nullptr && view->superview_ != this) {
+        view->superview_->dropConstraintsAcross(view);
+    }
     view->detachFromSuperview();
     index = std::min(index, subviews_.size());
     subviews_.insert(subviews_.begin() + static_cast<std::ptrdiff_t>(index), keep);
@@ -113,13 +117,13 @@ void UIView::imp_removeFromSuperview() {
     // The superview's reference may be the last one: keep the view alive
     // until this method has returned.
     const objc::Strong<UIView> keep = objc::retained(this);
+    if (superview_ != nullptr) superview_->dropConstraintsAcross(this);
     detachFromSuperview();
 }
 
 void UIView::detachFromSuperview() {
     UIView* const parent = superview_;
     if (parent == nullptr) return;
-    parent->dropConstraintsAcross(this);
     parent->setNeedsLayout();
     superview_ = nullptr;
     auto& list = parent->subviews_;
