@@ -36,3 +36,17 @@ void RecordingDelegate::objcDefine(objc::ClassBuilder<RecordingDelegate>& b) {
         .method<&C::imp_didDismissPopover>("popoverControllerDidDismissPopover:")
         .method<&C::imp_menuCancelled>("documentMenuWasCancelled:");
 }
+
+OBJC_DEFINE_CLASS(SizedView, UIView, "SizedView")
+OBJC_REGISTER_CLASS(SizedView)
+
+void SizedView::objcDefine(objc::ClassBuilder<SizedView>& b) {
+    b.method<&SizedView::imp_intrinsicContentSize>("intrinsicContentSize");
+}
+
+objc::Strong<SizedView> SizedView::create(CGSize content) {
+    auto view = objc::make<SizedView>();
+    view->content = content;
+    view->setTranslatesAutoresizingMaskIntoConstraints(false);
+    return view;
+}

@@ -53,3 +53,15 @@ class RecordingDelegate : public NSObject {
     void imp_didDismissPopover(id) { log.push_back("didDismissPopover"); }
     void imp_menuCancelled(id) { log.push_back("menuCancelled"); }
 };
+
+// A view whose content has a set size, as a label's text has.
+class SizedView : public UIView {
+    OBJC_CLASS(SizedView)
+
+    static objc::Strong<SizedView> create(CGSize content);
+
+    CGSize content{UIViewNoIntrinsicMetric, UIViewNoIntrinsicMetric};
+
+  private:
+    CGSize imp_intrinsicContentSize() const { return content; }
+};

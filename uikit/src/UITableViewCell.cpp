@@ -64,6 +64,8 @@ void UITableViewCell::build(UITableViewCellStyle style, NSString* reuseIdentifie
     selectionStyle_ = uikit::systemVersionAtLeast("7.0") ? UITableViewCellSelectionStyleDefault
                                                          : UITableViewCellSelectionStyleBlue;
     contentView_ = UIView::create(bounds());
+    contentView_->setAutoresizingMask(UIViewAutoresizingFlexibleWidth |
+                                      UIViewAutoresizingFlexibleHeight);
     addSubview(contentView_.get());
     imageView_ = UIImageView::create();
     contentView_->addSubview(imageView_.get());

@@ -34,6 +34,7 @@ void UIView::objcDefine(objc::ClassBuilder<UIView>& b) {
         .method<&UIView::imp_layer>("layer")
         .property<&UIView::accessibilityTraits_>("accessibilityTraits", objc::Nonatomic)
         .method<&UIView::imp_nextResponder>("nextResponder");
+    defineLayout(b);
 }
 
 objc::Strong<UIView> UIView::create(CGRect frame) {
@@ -42,6 +43,8 @@ objc::Strong<UIView> UIView::create(CGRect frame) {
 
 UIView::~UIView() {
     for (const auto& view : subviews_) view->superview_ = nullptr;
+    // A constraint kept elsewhere outlives its holder as an inactive one.
+    for (const auto& constraint : constraints_) constraint->owner_ = nullptr;
 }
 
 UIView* UIView::imp_init() {
@@ -60,9 +63,11 @@ CGRect UIView::imp_frame() const {
 }
 
 void UIView::imp_setFrame(CGRect frame) {
+    const CGSize old = bounds_.size;
     bounds_.size = frame.size;
     center_ =
         CGPointMake(frame.origin.x + frame.size.width / 2, frame.origin.y + frame.size.height / 2);
+    sizeDidChange(old);
 }
 
 NSArray* UIView::imp_subviews() const {
@@ -92,10 +97,15 @@ void UIView::insertAt(UIView* view, std::size_t index) {
         }
     }
     const objc::Strong<UIView> keep = objc::retained(view);
+    // Reordering keeps the view's constraints; leaving its superview does not.
+    if (view->superview_ != nullptr && view->superview_ != this) {
+        view->superview_->dropConstraintsAcross(view);
+    }
     view->detachFromSuperview();
     index = std::min(index, subviews_.size());
     subviews_.insert(subviews_.begin() + static_cast<std::ptrdiff_t>(index), keep);
     view->superview_ = this;
+    setNeedsLayout();
 }
 
 void UIView::imp_bringSubviewToFront(UIView* view) {
@@ -107,12 +117,14 @@ void UIView::imp_removeFromSuperview() {
     // The superview's reference may be the last one: keep the view alive
     // until this method has returned.
     const objc::Strong<UIView> keep = objc::retained(this);
+    if (superview_ != nullptr) superview_->dropConstraintsAcross(this);
     detachFromSuperview();
 }
 
 void UIView::detachFromSuperview() {
     UIView* const parent = superview_;
     if (parent == nullptr) return;
+    parent->setNeedsLayout();
     superview_ = nullptr;
     auto& list = parent->subviews_;
     const auto it =

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <UIKit/CALayer.h>
+#include <UIKit/NSLayoutConstraint.h>
 #include <UIKit/device_profile.h>
 #include <UIKit/UIAlertView.h>
 #include <UIKit/UIControl.h>

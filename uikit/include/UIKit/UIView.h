@@ -7,9 +7,12 @@
 #pragma once
 
 #include <UIKit/CALayer.h>
+#include <UIKit/NSLayoutConstraint.h>
 #include <UIKit/UIResponder.h>
 
+#include <objc/class_builder.h>
 #include <objc/geometry.h>
+#include <objc/options.h>
 
 #include <cstdint>
 #include <vector>
@@ -28,6 +31,29 @@ inline constexpr UIAccessibilityTraits UIAccessibilityTraitLink = 1 << 1;
 inline constexpr UIAccessibilityTraits UIAccessibilityTraitImage = 1 << 2;
 inline constexpr UIAccessibilityTraits UIAccessibilityTraitSelected = 1 << 3;
 inline constexpr UIAccessibilityTraits UIAccessibilityTraitStaticText = 1 << 6;
+
+// How a view follows its superview's size changes; a bit set.
+enum UIViewAutoresizing : NSUInteger {
+    UIViewAutoresizingNone = 0,
+    UIViewAutoresizingFlexibleLeftMargin = 1 << 0,
+    UIViewAutoresizingFlexibleWidth = 1 << 1,
+    UIViewAutoresizingFlexibleRightMargin = 1 << 2,
+    UIViewAutoresizingFlexibleTopMargin = 1 << 3,
+    UIViewAutoresizingFlexibleHeight = 1 << 4,
+    UIViewAutoresizingFlexibleBottomMargin = 1 << 5,
+};
+OBJC_OPTIONS(UIViewAutoresizing);
+
+enum UILayoutConstraintAxis : NSInteger {
+    UILayoutConstraintAxisHorizontal = 0,
+    UILayoutConstraintAxisVertical = 1,
+};
+
+// An intrinsic size component a view does not have.
+inline constexpr CGFloat UIViewNoIntrinsicMetric = -1;
+// Targets of systemLayoutSizeFittingSize: as small or as large as possible.
+inline constexpr CGSize UILayoutFittingCompressedSize{0, 0};
+inline constexpr CGSize UILayoutFittingExpandedSize{10000000, 10000000};
 
 class PV_EXPORT UIView : public UIResponder {
     OBJC_CLASS(UIView)
@@ -88,6 +114,94 @@ class PV_EXPORT UIView : public UIResponder {
     // The controller whose root view this is, or null.
     UIViewController* owningController() const noexcept { return controller_; }
 
+    // Layout: constraints, intrinsic sizes and the layout cycle.
+    // The size the view's content wants, or UIViewNoIntrinsicMetric per
+    // component; subclasses override it. Under constraints it becomes
+    // width/height constraints at the hugging and compression priorities.
+    CGSize intrinsicContentSize() {
+        return objc::msgSend<CGSize>(this, objc::sel<"intrinsicContentSize">());
+    }
+    // Lets the superview's next layout ask for the intrinsic size again.
+    void invalidateIntrinsicContentSize() {
+        objc::msgSend<void>(this, objc::sel<"invalidateIntrinsicContentSize">());
+    }
+    // The size that suits the view within `size`; the current size by default.
+    CGSize sizeThatFits(CGSize size) {
+        return objc::msgSend<CGSize>(this, objc::sel<"sizeThatFits:">(), size);
+    }
+    // Resizes the view to sizeThatFits: of its current size, keeping its origin.
+    void sizeToFit() { objc::msgSend<void>(this, objc::sel<"sizeToFit">()); }
+    // Places the subviews: solves the constraints held in the subtree.
+    // Called by layoutIfNeeded; subclasses override it.
+    void layoutSubviews() { objc::msgSend<void>(this, objc::sel<"layoutSubviews">()); }
+    void setNeedsLayout() { objc::msgSend<void>(this, objc::sel<"setNeedsLayout">()); }
+    // Lays out this view if marked, then its subviews, top-down.
+    void layoutIfNeeded() { objc::msgSend<void>(this, objc::sel<"layoutIfNeeded">()); }
+    UIViewAutoresizing autoresizingMask() {
+        return objc::msgSend<UIViewAutoresizing>(this, objc::sel<"autoresizingMask">());
+    }
+    void setAutoresizingMask(UIViewAutoresizing mask) {
+        objc::msgSend<void>(this, objc::sel<"setAutoresizingMask:">(), mask);
+    }
+    // YES (the default): the frame, with the autoresizing mask, is what
+    // constraints see of this view; NO: constraints place it.
+    bool translatesAutoresizingMaskIntoConstraints() {
+        return objc::msgSend<bool>(this, objc::sel<"translatesAutoresizingMaskIntoConstraints">());
+    }
+    void setTranslatesAutoresizingMaskIntoConstraints(bool translates) {
+        objc::msgSend<void>(this, objc::sel<"setTranslatesAutoresizingMaskIntoConstraints:">(),
+                            translates);
+    }
+    // The constraints held by this view (autoreleased).
+    NSArray* constraints() { return objc::msgSend<NSArray*>(this, objc::sel<"constraints">()); }
+    void addConstraint(NSLayoutConstraint* constraint) {
+        objc::msgSend<void>(this, objc::sel<"addConstraint:">(), constraint);
+    }
+    void addConstraints(NSArray* constraints) {
+        objc::msgSend<void>(this, objc::sel<"addConstraints:">(), constraints);
+    }
+    void removeConstraint(NSLayoutConstraint* constraint) {
+        objc::msgSend<void>(this, objc::sel<"removeConstraint:">(), constraint);
+    }
+    void removeConstraints(NSArray* constraints) {
+        objc::msgSend<void>(this, objc::sel<"removeConstraints:">(), constraints);
+    }
+    UILayoutPriority contentHuggingPriorityForAxis(UILayoutConstraintAxis axis) {
+        return objc::msgSend<UILayoutPriority>(this, objc::sel<"contentHuggingPriorityForAxis:">(),
+                                               axis);
+    }
+    void setContentHuggingPriority(UILayoutPriority priority, UILayoutConstraintAxis axis) {
+        objc::msgSend<void>(this, objc::sel<"setContentHuggingPriority:forAxis:">(), priority,
+                            axis);
+    }
+    UILayoutPriority contentCompressionResistancePriorityForAxis(UILayoutConstraintAxis axis) {
+        return objc::msgSend<UILayoutPriority>(
+            this, objc::sel<"contentCompressionResistancePriorityForAxis:">(), axis);
+    }
+    void setContentCompressionResistancePriority(UILayoutPriority priority,
+                                                 UILayoutConstraintAxis axis) {
+        objc::msgSend<void>(this, objc::sel<"setContentCompressionResistancePriority:forAxis:">(),
+                            priority, axis);
+    }
+    // The smallest (UILayoutFittingCompressedSize), largest
+    // (UILayoutFittingExpandedSize) or nearest size to `target` that the
+    // constraints and intrinsic sizes of the subtree allow.
+    CGSize systemLayoutSizeFittingSize(CGSize target) {
+        return objc::msgSend<CGSize>(this, objc::sel<"systemLayoutSizeFittingSize:">(), target);
+    }
+    // Without messages, for the layout pass.
+    const std::vector<objc::Strong<NSLayoutConstraint>>& constraintList() const noexcept {
+        return constraints_;
+    }
+    bool translatesMask() const noexcept { return translatesMask_; }
+    UIViewAutoresizing maskBits() const noexcept { return autoresizingMask_; }
+    UILayoutPriority hugging(UILayoutConstraintAxis axis) const noexcept {
+        return hugging_[axis == UILayoutConstraintAxisVertical];
+    }
+    UILayoutPriority compressionResistance(UILayoutConstraintAxis axis) const noexcept {
+        return compression_[axis == UILayoutConstraintAxisVertical];
+    }
+
     UIView() = default;
     ~UIView() override;
 
@@ -123,4 +237,44 @@ class PV_EXPORT UIView : public UIResponder {
     NSInteger tag_ = 0;
     UIAccessibilityTraits accessibilityTraits_ = UIAccessibilityTraitNone;
     objc::Strong<CALayer> layer_;
+
+    // Layout: constraints, intrinsic sizes and the layout cycle.
+    friend class NSLayoutConstraint;
+    static void defineLayout(objc::ClassBuilder<UIView>& b);
+    void imp_setBounds(CGRect bounds);
+    // Follows a size change: autoresizes the subviews, marks the view.
+    void sizeDidChange(CGSize old);
+    CGSize imp_intrinsicContentSize() const;
+    void imp_invalidateIntrinsicContentSize();
+    CGSize imp_sizeThatFits(CGSize size);
+    void imp_sizeToFit();
+    void imp_layoutSubviews();
+    void imp_setNeedsLayout();
+    void imp_layoutIfNeeded();
+    NSArray* imp_constraints() const;
+    void imp_addConstraint(NSLayoutConstraint* constraint);
+    void imp_addConstraints(NSArray* constraints);
+    void imp_removeConstraint(NSLayoutConstraint* constraint);
+    void imp_removeConstraints(NSArray* constraints);
+    UILayoutPriority imp_contentHuggingPriorityForAxis(UILayoutConstraintAxis axis) const;
+    void imp_setContentHuggingPriority(UILayoutPriority priority, UILayoutConstraintAxis axis);
+    UILayoutPriority imp_contentCompressionResistancePriorityForAxis(
+        UILayoutConstraintAxis axis) const;
+    void imp_setContentCompressionResistancePriority(UILayoutPriority priority,
+                                                     UILayoutConstraintAxis axis);
+    CGSize imp_systemLayoutSizeFittingSize(CGSize target);
+    void imp_setTranslatesAutoresizingMaskIntoConstraints(bool translates);
+    // Marks this view, and the ancestors whose layout places it by
+    // constraints, for the next layout pass.
+    void constraintsChanged();
+    // Drops the constraints that tie the subtree of `leaving` to the views
+    // it is leaving (this view and its ancestors).
+    void dropConstraintsAcross(UIView* leaving);
+
+    std::vector<objc::Strong<NSLayoutConstraint>> constraints_;
+    UIViewAutoresizing autoresizingMask_ = UIViewAutoresizingNone;
+    UILayoutPriority hugging_[2] = {UILayoutPriorityDefaultLow, UILayoutPriorityDefaultLow};
+    UILayoutPriority compression_[2] = {UILayoutPriorityDefaultHigh, UILayoutPriorityDefaultHigh};
+    bool translatesMask_ = true;
+    bool needsLayout_ = true;
 };
