@@ -10,5 +10,12 @@ void UILabel::objcDefine(objc::ClassBuilder<UILabel>& b) {
     // change the label.
     b.property<&UILabel::text_>("text", objc::Copy | objc::Nonatomic)
         .property<&UILabel::alignment_>("textAlignment", objc::Nonatomic)
-        .property<&UILabel::lines_>("numberOfLines", objc::Nonatomic);
+        .property<&UILabel::lines_>("numberOfLines", objc::Nonatomic)
+        .method<&UILabel::imp_drawRect>("drawRect:");
+}
+
+void UILabel::imp_drawRect(CGRect /*rect*/) {
+    // Text drawing hook: the label's text is drawn here by the text layout
+    // function (laid-out text into the current context's cairo_t at the
+    // bounds, in the text colour). Until it is wired, the text is not drawn.
 }

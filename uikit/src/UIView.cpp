@@ -34,6 +34,7 @@ void UIView::objcDefine(objc::ClassBuilder<UIView>& b) {
         .method<&UIView::imp_layer>("layer")
         .property<&UIView::accessibilityTraits_>("accessibilityTraits", objc::Nonatomic)
         .method<&UIView::imp_nextResponder>("nextResponder");
+    defineDrawing(b);
 }
 
 objc::Strong<UIView> UIView::create(CGRect frame) {
@@ -41,6 +42,7 @@ objc::Strong<UIView> UIView::create(CGRect frame) {
 }
 
 UIView::~UIView() {
+    if (layer_) layer_->setOwningView(nullptr);
     for (const auto& view : subviews_) view->superview_ = nullptr;
 }
 
@@ -145,7 +147,10 @@ UIView* UIView::imp_viewWithTag(NSInteger tag) {
 }
 
 CALayer* UIView::imp_layer() {
-    if (!layer_) layer_ = CALayer::create();
+    if (!layer_) {
+        layer_ = CALayer::create();
+        layer_->setOwningView(this);
+    }
     return layer_.get();
 }
 

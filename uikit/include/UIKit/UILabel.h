@@ -40,6 +40,8 @@ class PV_EXPORT UILabel : public UIView {
     UILabel() = default;
 
   private:
+    void imp_drawRect(CGRect rect);
+
     objc::Strong<NSString> text_;
     NSTextAlignment alignment_ = NSTextAlignmentNatural;
     NSInteger lines_ = 1;
