@@ -52,7 +52,7 @@ void UIGraphicsBeginImageContextWithOptions(CGSize size, bool opaque, CGFloat sc
     const double width = std::ceil(size.width * scale);
     const double height = std::ceil(size.height * scale);
     if (!(size.width > 0) || !(size.height > 0) || !(width * height <= kMaxPixels)) {
-        NSLog(NSSTR("UIGraphicsBeginImageContext() failed to allocate CGBitampContext: size={%g, "
+        NSLog(NSSTR("UIGraphicsBeginImageContext() failed to allocate CGBitmapContext: size={%g, "
                     "%g}, scale=%g"),
               size.width, size.height, scale);
         return;
