@@ -15,10 +15,13 @@ void WAStaticTableView::objcDefine(objc::ClassBuilder<WAStaticTableView>& b) {
         .method<&C::imp_drawRect>("drawRect:");
 }
 
-objc::Strong<WAStaticTableView> WAStaticTableView::create(CGRect frame, NSMutableArray* sections) {
+objc::Strong<WAStaticTableView> WAStaticTableView::create(
+    CGRect frame, NSMutableArray* sections, UITableViewStyle style,
+    std::function<void(NSMutableArray*)> refill) {
     auto table = objc::adopt(static_cast<WAStaticTableView*>(
-        objc::alloc<WAStaticTableView>()->initWithFrameStyle(frame, UITableViewStyleGrouped)));
+        objc::alloc<WAStaticTableView>()->initWithFrameStyle(frame, style)));
     table->sections_ = objc::retained(sections);
+    table->refill_ = std::move(refill);
     table->setDataSource(table.get());
     return table;
 }
@@ -66,6 +69,7 @@ NSString* WAStaticTableView::imp_footer(id, NSInteger section) {
 }
 
 void WAStaticTableView::imp_drawRect(CGRect rect) {
+    if (refill_) refill_(sections_.get());
     reloadData();
     objc::superSend<void>(this, objc::sel<"drawRect:">(), rect);
 }

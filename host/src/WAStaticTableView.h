@@ -1,6 +1,7 @@
-// The table a static table screen shows: grouped, its own data source over
-// the screen's sections, asked afresh each time it is drawn so that rows a
-// library added or changed since show as they are now.
+// The table a screen of rows shows (grouped for static tables, plain for
+// the chats list): its own data source over the screen's sections, asked
+// afresh each time it is drawn so that rows added or changed since show as
+// they are now.
 #pragma once
 
 #include <UIKit/UITableView.h>
@@ -9,11 +10,16 @@
 
 #include <Foundation/NSArray.h>
 
+#include <functional>
+
 class WAStaticTableView : public UITableView {
     OBJC_CLASS(WAStaticTableView)
 
     // A table over `sections` (kept: the screen may drop its view later).
-    static objc::Strong<WAStaticTableView> create(CGRect frame, NSMutableArray* sections);
+    // `refill`, when set, rebuilds the sections before each drawing.
+    static objc::Strong<WAStaticTableView> create(CGRect frame, NSMutableArray* sections,
+                                                  UITableViewStyle style = UITableViewStyleGrouped,
+                                                  std::function<void(NSMutableArray*)> refill = {});
 
     WAStaticTableView() = default;
 
@@ -27,4 +33,5 @@ class WAStaticTableView : public UITableView {
     void imp_drawRect(CGRect rect);
 
     objc::Strong<NSMutableArray> sections_;
+    std::function<void(NSMutableArray*)> refill_;
 };
