@@ -100,6 +100,11 @@ TEST_F(Script, ScreenshotsAreTheScreenInFrontAtTheDeviceSizeAndScale) {
         EXPECT_TRUE(fs::exists(shots / name)) << name;
     }
     EXPECT_FALSE(fs::exists(shots / "007.png"));
+    // The attach menu: a sheet's cancel button at the bottom, the chat dimmed above.
+    const auto sheet = readPng(shots / "005.png");
+    ASSERT_TRUE(sheet);
+    EXPECT_GT(rgbAt(sheet.get(), 187, 667 - 8 - 28)[0], 230);
+    EXPECT_LT(rgbAt(sheet.get(), 187, 120)[0], 170);
     const auto alert = readPng(shots / "006.png");
     ASSERT_TRUE(alert);
     const auto panel = rgbAt(alert.get(), 187, 333);
