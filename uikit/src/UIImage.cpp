@@ -6,6 +6,7 @@
 #include <objc/image.h>
 
 #include <png.h>
+#include <zlib.h>
 
 #include <cstring>
 #include <fstream>
@@ -163,16 +164,20 @@ void flushNothing(png_structp) {}
 // libpng reports errors by longjmp back here: this frame holds nothing that
 // needs destroying, so the jump skips no destructor.
 bool writePng(png_structp png, png_infop info, std::uint32_t width, std::uint32_t height,
-              png_bytepp rows, std::vector<std::uint8_t>* out) {
+              bool opaque, png_bytepp rows, std::vector<std::uint8_t>* out) {
     if (setjmp(png_jmpbuf(png)) != 0) return false;
     png_set_write_fn(png, out, appendBytes, flushNothing);
-    png_set_IHDR(png, info, width, height, 8, PNG_COLOR_TYPE_RGB_ALPHA, PNG_INTERLACE_NONE,
+    png_set_IHDR(png, info, width, height, 8,
+                 opaque ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_RGB_ALPHA, PNG_INTERLACE_NONE,
                  PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-    // Screens are mostly flat colour: light compression with the "up" filter
-    // keeps files small at a fraction of the default's time.
+    // Screens are mostly flat colour: run-length compression after the "up"
+    // filter keeps files small at a fraction of the default's time.
     png_set_compression_level(png, 1);
+    png_set_compression_strategy(png, Z_RLE);
     png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_UP);
     png_write_info(png, info);
+    // An opaque image's alpha bytes are dropped as the rows are written.
+    if (opaque) png_set_filler(png, 0, PNG_FILLER_AFTER);
     png_write_image(png, rows);
     png_write_end(png, nullptr);
     return true;
@@ -185,6 +190,8 @@ NSData* UIImagePNGRepresentation(UIImage* image) {
     const auto width = static_cast<std::uint32_t>(image->pixelWidth());
     const auto height = static_cast<std::uint32_t>(image->pixelHeight());
     const auto pixels = image->rgba();
+    bool opaque = true;
+    for (std::size_t i = 3; i < pixels.size() && opaque; i += 4) opaque = pixels[i] == 255;
     std::vector<png_bytep> rows(height);
     for (std::uint32_t y = 0; y < height; ++y) {
         // libpng only reads the rows it is given to write.
@@ -195,7 +202,8 @@ NSData* UIImagePNGRepresentation(UIImage* image) {
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
     if (png == nullptr) return nullptr;
     png_infop info = png_create_info_struct(png);
-    const bool written = info != nullptr && writePng(png, info, width, height, rows.data(), &bytes);
+    const bool written =
+        info != nullptr && writePng(png, info, width, height, opaque, rows.data(), &bytes);
     png_destroy_write_struct(&png, &info);
     if (!written) return nullptr;
     return objc::autorelease(NSData::create(std::span<const std::uint8_t>(bytes)).leak());
