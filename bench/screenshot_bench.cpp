@@ -70,5 +70,4 @@ BENCHMARK(BM_SettingsScreenshotPng)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 
-BENCH_BOUND("a screenshot of the Settings screen at iPhone 6 scale", "BM_SettingsScreenshot",
-            30e6);
+BENCH_BOUND("a screenshot of the Settings screen at iPhone 6 scale", "BM_SettingsScreenshot", 30e6);
