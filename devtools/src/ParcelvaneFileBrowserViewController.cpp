@@ -5,6 +5,8 @@
 #include <Foundation/NSArray.h>
 
 #include <UIKit/UINavigationController.h>
+#include <UIKit/UIScreen.h>
+#include <UIKit/list_table_view.h>
 
 #include <objc/image.h>
 #include <objc/runtime.h>
@@ -34,7 +36,24 @@ void C::objcDefine(objc::ClassBuilder<C>& b) {
         .method<&C::imp_goUp>("goUp")
         .method<&C::imp_cancel>("cancel")
         .method<&C::imp_presentedController>("presentedController")
-        .method<&C::imp_viewWillAppear>("viewWillAppear:");
+        .method<&C::imp_viewWillAppear>("viewWillAppear:")
+        .method<&C::imp_loadView>("loadView");
+}
+
+C::~ParcelvaneFileBrowserViewController() {
+    // The view may outlive the browser; its rows came from the browser.
+    if (auto* list = objc::cast<UIListTableView>(viewIfLoaded())) list->clearItems();
+}
+
+void C::imp_loadView() {
+    auto items = [this] {
+        std::vector<UIListTableView::Item> list;
+        for (const Entry& entry : entries()) {
+            list.push_back({entry.name, entry.kind == Entry::Kind::Folder});
+        }
+        return list;
+    };
+    setView(UIListTableView::create(UIScreen::mainScreen()->bounds(), items).get());
 }
 
 namespace {

@@ -1,5 +1,7 @@
 #include <Host/WAChatSessionViewController.h>
 
+#include "WAChatMessagesView.h"
+
 #include <Host/document_types.h>
 #include <Host/host_strings.h>
 
@@ -9,6 +11,7 @@
 
 #include <UIKit/UIAlertView.h>
 #include <UIKit/UIDocumentMenuViewController.h>
+#include <UIKit/UIScreen.h>
 
 #include <objc/image.h>
 
@@ -24,6 +27,7 @@ OBJC_REGISTER_CLASS(WAChatSessionViewController)
 void WAChatSessionViewController::objcDefine(objc::ClassBuilder<WAChatSessionViewController>& b) {
     using C = WAChatSessionViewController;
     b.method<&C::imp_viewDidLoad>("viewDidLoad")
+        .method<&C::imp_loadView>("loadView")
         .method<&C::imp_presentShareDocumentController>("presentShareDocumentController")
         .method<&C::imp_documentMenuDidPickDocumentPicker>("documentMenu:didPickDocumentPicker:")
         .method<&C::imp_documentPickerDidPickDocumentAtURL>("documentPicker:didPickDocumentAtURL:")
@@ -67,6 +71,10 @@ const std::shared_ptr<host::ChatStore>& WAChatSessionViewController::store() {
 std::vector<host::Message> WAChatSessionViewController::messages() const {
     const auto& store = store_ ? store_ : host::defaultChatStore();
     return store->messages(contact_);
+}
+
+void WAChatSessionViewController::imp_loadView() {
+    setView(WAChatMessagesView::create(UIScreen::mainScreen()->bounds(), store(), contact_).get());
 }
 
 void WAChatSessionViewController::imp_viewDidLoad() {

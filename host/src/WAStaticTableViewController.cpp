@@ -1,5 +1,9 @@
 #include <Host/WAStaticTableViewController.h>
 
+#include "WAStaticTableView.h"
+
+#include <UIKit/UIScreen.h>
+
 #include <Foundation/NSArray.h>
 
 #include <objc/image.h>
@@ -12,7 +16,8 @@ void WAStaticTableViewController::objcDefine(objc::ClassBuilder<WAStaticTableVie
     b.ivar<&C::sections_>("_sections")
         .method<&C::imp_initWithNibNameBundle>("initWithNibName:bundle:")
         .method<&C::imp_deselectActiveCell>("deselectActiveCell")
-        .method<&C::imp_didMoveToParentViewController>("didMoveToParentViewController:");
+        .method<&C::imp_didMoveToParentViewController>("didMoveToParentViewController:")
+        .method<&C::imp_loadView>("loadView");
 }
 
 WAStaticTableViewController* WAStaticTableViewController::imp_initWithNibNameBundle(
@@ -21,6 +26,11 @@ WAStaticTableViewController* WAStaticTableViewController::imp_initWithNibNameBun
         this, objc::sel<"initWithNibName:bundle:">(), nibName, bundle);
     if (self != nullptr) self->sections_ = NSMutableArray::create();
     return self;
+}
+
+void WAStaticTableViewController::imp_loadView() {
+    if (!sections_) sections_ = NSMutableArray::create();
+    setView(WAStaticTableView::create(UIScreen::mainScreen()->bounds(), sections_.get()).get());
 }
 
 void WAStaticTableViewController::imp_didMoveToParentViewController(UIViewController* parent) {

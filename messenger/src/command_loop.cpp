@@ -100,11 +100,13 @@ bool readScript(const std::string& path, std::vector<std::string>& lines, std::s
 
 int runScript(App& app, const CommandTable& commands, const ScreenRenderers& renderers,
               const std::string& name, const std::vector<std::string>& lines, std::ostream& out,
-              std::ostream& err) {
+              std::ostream& err, const std::function<void(std::size_t)>& afterCommand) {
     out << renderFront(app, renderers) << std::flush;
+    std::size_t ran = 0;
     for (std::size_t i = 0; i < lines.size(); ++i) {
         const Outcome outcome = execute(app, commands, renderers, lines[i], out, true);
         if (outcome.skipped) continue;
+        if (afterCommand) afterCommand(++ran);
         if (!outcome.failure.empty()) {
             out << std::flush;
             err << printable(name) << ":" << i + 1 << ": " << outcome.failure << "\n"

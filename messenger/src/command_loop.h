@@ -5,6 +5,7 @@
 #include "app.h"
 #include "commands.h"
 
+#include <functional>
 #include <istream>
 #include <ostream>
 #include <string>
@@ -30,9 +31,10 @@ bool readScript(const std::string& path, std::vector<std::string>& lines, std::s
 // command that fails (an unmet expectation, an unknown command, a command
 // that cannot do what it says, an exception) is reported to `err` as
 // "FILE:LINE: why" with the screen in front, and the status is 1; else 0
-// once the script ends or quits.
+// once the script ends or quits. `afterCommand`, when set, runs after every
+// command that ran (numbered from 1), failed ones included.
 int runScript(App& app, const CommandTable& commands, const ScreenRenderers& renderers,
               const std::string& name, const std::vector<std::string>& lines, std::ostream& out,
-              std::ostream& err);
+              std::ostream& err, const std::function<void(std::size_t)>& afterCommand = {});
 
 }  // namespace messenger

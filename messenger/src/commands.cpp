@@ -1,6 +1,7 @@
 #include "commands.h"
 
 #include "defaults_value.h"
+#include "screenshot.h"
 #include "table_screens.h"
 
 #include <Foundation/NSDate.h>
@@ -166,6 +167,16 @@ CommandTable standardCommands() {
                "write a user default (true/false, an integer, a real or text; \"...\" for "
                "text as is)",
                [](CommandContext& c, const std::string& argument) { setDefault(c, argument); }});
+    table.add({"screenshot", "FILE.png",
+               "write a picture of the screen in front (device size and scale)",
+               [](CommandContext& c, const std::string& path) {
+                   if (path.empty()) return c.fail("screenshot needs a file name.");
+                   if (const std::string why = writeScreenshot(c.app, path); !why.empty()) {
+                       return c.fail(why);
+                   }
+                   c.out << "Wrote " << printable(path) << "\n";
+                   c.showScreen = false;
+               }});
     addChatCommands(table);
     addTableCommands(table);
     addScriptCommands(table);

@@ -8,6 +8,7 @@
 #include "injection.h"
 #include "options.h"
 #include "screen_renderer.h"
+#include "screenshot.h"
 #include "terminal_text.h"
 
 #include <Foundation/NSRunLoop.h>
@@ -26,6 +27,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -48,6 +50,19 @@ int run(int argc, char** argv) {
         std::cout << messenger::usage(program) << "\n"
                   << messenger::commandHelp(messenger::standardCommands());
         return 0;
+    }
+    if (!options.screenshots.empty()) {
+        std::error_code failed;
+        if (options.script.empty()) {
+            std::cerr << program << ": --screenshots needs --script\n";
+            return 2;
+        }
+        std::filesystem::create_directories(options.screenshots, failed);
+        if (failed) {
+            std::cerr << program << ": cannot make " << options.screenshots << ": "
+                      << failed.message() << "\n";
+            return 1;
+        }
     }
     std::vector<std::string> script;
     if (!options.script.empty()) {
@@ -100,8 +115,20 @@ int run(int argc, char** argv) {
         const messenger::CommandTable commands = messenger::standardCommands();
         const messenger::ScreenRenderers renderers = messenger::standardRenderers();
         if (!options.script.empty()) {
+            std::function<void(std::size_t)> picture;
+            if (!options.screenshots.empty()) {
+                picture = [&](std::size_t number) {
+                    char name[16];
+                    std::snprintf(name, sizeof name, "%03zu.png", number);
+                    const std::string path = options.screenshots + "/" + name;
+                    if (const std::string why = messenger::writeScreenshot(app, path);
+                        !why.empty()) {
+                        std::cerr << program << ": " << why << "\n";
+                    }
+                };
+            }
             status = messenger::runScript(app, commands, renderers, options.script, script,
-                                          std::cout, std::cerr);
+                                          std::cout, std::cerr, picture);
         } else {
             status = messenger::runCommandLoop(app, commands, renderers, std::cin, std::cout,
                                                isatty(STDIN_FILENO) != 0);

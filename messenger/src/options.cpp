@@ -141,6 +141,10 @@ ParseResult parseOptions(int argc, const char* const* argv, const char* insertLi
             if (!value(options.describeClass) || options.describeClass.empty()) {
                 return {{}, "--describe-class needs a class name"};
             }
+        } else if (arg == "--screenshots") {
+            if (!value(options.screenshots) || options.screenshots.empty()) {
+                return {{}, "--screenshots needs a folder"};
+            }
         } else if (arg == "--script") {
             if (!value(options.script) || options.script.empty()) {
                 return {{}, "--script needs a file of commands"};
@@ -187,6 +191,8 @@ std::string usage(const std::string& program) {
         << "  --script FILE           run the commands in FILE (blank lines and # comments\n"
         << "                          skipped), echoing each, then quit; the first failed\n"
         << "                          command or expectation ends it with status 1\n"
+        << "  --screenshots DIR       with --script, a picture of the screen after each\n"
+        << "                          command: DIR/001.png, DIR/002.png, ...\n"
         << "  --help                  this text\n";
     return out.str();
 }

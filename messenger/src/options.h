@@ -17,6 +17,7 @@ struct Options {
     std::string language;       // empty: from the environment's locale
     std::string describeClass;  // non-empty: describe and exit
     std::string script;         // non-empty: run the commands of this file, then quit
+    std::string screenshots;    // non-empty: a picture after each script command, here
     bool help = false;
 };
 

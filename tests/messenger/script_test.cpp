@@ -1,6 +1,11 @@
 // Scripts: how they are read, echoed and checked, and how a failure ends them.
 #include "messenger_process.h"
 
+#include <UIKit/UIImage.h>
+
+#include <fstream>
+#include <iterator>
+
 namespace {
 
 using namespace testsupport;
@@ -58,6 +63,54 @@ TEST(ScriptOptions, AMissingScriptIsRefused) {
     const Result missing = run({"--home", base.path(), "--script", (base / "none").string()});
     EXPECT_EQ(missing.status, 2);
     EXPECT_TRUE(contains(missing.err, "cannot read the script")) << missing.err;
+}
+
+// The pixel at a point of a 2x screenshot, as grey-ish RGB.
+std::array<int, 3> rgbAt(UIImage* image, int x, int y) {
+    const auto p = image->pixelAt(static_cast<std::size_t>(x * 2), static_cast<std::size_t>(y * 2));
+    return {p[0], p[1], p[2]};
+}
+
+objc::Strong<UIImage> readPng(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(in), {}};
+    return UIImage::decodePNG(bytes, 2);
+}
+
+TEST_F(Script, ScreenshotsAreTheScreenInFrontAtTheDeviceSizeAndScale) {
+    const fs::path shots = device / "shots";
+    const Result r =
+        testsupport::runScript(device,
+                               "settings\nscreenshot " + (device / "settings.png").string() +
+                                   "\nback\nchat bob\nattach\nchoose 1\n",
+                               {"--screenshots", shots.string()});
+    ASSERT_EQ(r.status, 0) << r.err;
+    const auto settings = readPng(device / "settings.png");
+    ASSERT_TRUE(settings);
+    EXPECT_EQ(settings->pixelWidth(), 750u);
+    EXPECT_EQ(settings->pixelHeight(), 1334u);
+    // The bar, the grouped background above the first section, its first row.
+    EXPECT_EQ(rgbAt(settings.get(), 187, 40), (std::array{247, 247, 247}));
+    EXPECT_EQ(rgbAt(settings.get(), 187, 64 + 10), (std::array{239, 239, 244}));
+    EXPECT_EQ(rgbAt(settings.get(), 187, 64 + 35 + 22), (std::array{255, 255, 255}));
+
+    // One numbered picture per command; the last shows the alert's panel
+    // over the dimmed chat.
+    for (const char* name : {"001.png", "002.png", "003.png", "004.png", "005.png", "006.png"}) {
+        EXPECT_TRUE(fs::exists(shots / name)) << name;
+    }
+    EXPECT_FALSE(fs::exists(shots / "007.png"));
+    // The attach menu: a sheet's cancel button at the bottom, the chat dimmed above.
+    const auto sheet = readPng(shots / "005.png");
+    ASSERT_TRUE(sheet);
+    EXPECT_GT(rgbAt(sheet.get(), 187, 667 - 8 - 28)[0], 230);
+    EXPECT_LT(rgbAt(sheet.get(), 187, 120)[0], 170);
+    const auto alert = readPng(shots / "006.png");
+    ASSERT_TRUE(alert);
+    const auto panel = rgbAt(alert.get(), 187, 333);
+    const auto dimmed = rgbAt(alert.get(), 20, 333);
+    EXPECT_GT(panel[0], 230);
+    EXPECT_LT(dimmed[0], 170);
 }
 
 }  // namespace

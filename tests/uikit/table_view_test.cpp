@@ -1,5 +1,6 @@
 // Table cells and table views as a static settings table uses them.
 #include "uikit_fixture.h"
+#include "view_pixels.h"
 
 #include <UIKit/UISwitch.h>
 #include <UIKit/UITableView.h>
@@ -211,6 +212,40 @@ TEST_F(TableViews, OnlyUserTapsTellTheDelegateOfASelection) {
     EXPECT_EQ(delegate->log, std::vector<std::string>{"will:1.1"});
     EXPECT_EQ(table->indexPathForSelectedRow()->row(), 0);
     EXPECT_FALSE(table->userSelectRowAtIndexPath(at(9, 9)));
+}
+
+TEST_F(TableViews, DrawSectionsApartWithWhiteRowsMarksAndSeparators) {
+    served(0, 2)->setAccessoryType(UITableViewCellAccessoryDisclosureIndicator);
+    served(1, 0)->setAccessoryType(UITableViewCellAccessoryCheckmark);
+    const CGRect last = table->rectForRowAtIndexPath(at(0, 2));
+    const CGRect next = table->rectForRowAtIndexPath(at(1, 0));
+    EXPECT_GT(next.origin.y, last.origin.y + last.size.height);
+    EXPECT_EQ(table->rectForRowAtIndexPath(at(4, 0)), CGRectZero);
+
+    const auto image = testsupport::drawnView(table.get(), true, 2);
+    ASSERT_TRUE(image);
+    const testsupport::Pixel white{255, 255, 255, 255}, grey{239, 239, 244, 255};
+    const auto pixel = [&](CGFloat x, CGFloat y) {
+        return testsupport::pixelAt(image.get(), x, y);
+    };
+    const CGFloat gap = (last.origin.y + last.size.height + next.origin.y) / 2;
+    EXPECT_TRUE(testsupport::near(pixel(160, last.origin.y + 22), white));
+    EXPECT_TRUE(testsupport::near(pixel(160, gap), grey));
+    EXPECT_TRUE(testsupport::near(pixel(160, next.origin.y + 22), white));
+    // Separators: inset between rows, full width where a section ends.
+    const CGFloat between = last.origin.y - 0.25;
+    EXPECT_TRUE(testsupport::near(pixel(5, between), white));
+    EXPECT_LT(pixel(40, between)[0], 230);
+    EXPECT_LT(pixel(5, last.origin.y + last.size.height - 0.25)[0], 230);
+    // The chevron in grey at the right; the checkmark in the tint colour.
+    const auto chevron = pixel(320 - 15 - 1.5, last.origin.y + 22);
+    EXPECT_TRUE(chevron[0] < 250 && chevron[0] == chevron[1]);
+    bool tinted = false;
+    for (CGFloat x = 320 - 30; x < 320 - 14; x += 0.5) {
+        const auto p = pixel(x, next.origin.y + 22);
+        tinted = tinted || (p[2] > 200 && p[0] < 100);
+    }
+    EXPECT_TRUE(tinted);
 }
 
 }  // namespace

@@ -1,5 +1,8 @@
 #include <UIKit/UIDocumentMenuViewController.h>
 
+#include <UIKit/UIAlertPanelView.h>
+#include <UIKit/UIScreen.h>
+
 #include <UIKit/UIDocumentPickerViewController.h>
 #include <UIKit/UIPopoverController.h>
 
@@ -17,7 +20,27 @@ void UIDocumentMenuViewController::objcDefine(objc::ClassBuilder<UIDocumentMenuV
         .property<&C::delegate_>("delegate", objc::Weak | objc::Nonatomic)
         .method<&C::imp_addOptionWithTitle>("addOptionWithTitle:image:order:handler:")
         .property<&C::types_>("documentTypes", objc::Readonly | objc::Nonatomic)
-        .property<&C::mode_>("documentPickerMode", objc::Readonly | objc::Nonatomic);
+        .property<&C::mode_>("documentPickerMode", objc::Readonly | objc::Nonatomic)
+        .method<&C::imp_loadView>("loadView");
+}
+
+void UIDocumentMenuViewController::imp_loadView() {
+    UIAlertPanelContent content;
+    content.style = UIAlertPanelStyle::ActionSheet;
+    const auto add = [&](const std::string& title) {
+        content.buttons.push_back(NSString::create(title));
+    };
+    const auto options = orderedOptions();
+    for (const Option* option : options) {
+        if (option->order == UIDocumentMenuOrderFirst) add(option->title);
+    }
+    for (const uikit::DocumentProvider& provider : providers()) add(provider.name);
+    for (const Option* option : options) {
+        if (option->order != UIDocumentMenuOrderFirst) add(option->title);
+    }
+    content.cancelIndex = static_cast<NSInteger>(content.buttons.size());
+    add("Cancel");
+    setView(UIAlertPanelView::create(UIScreen::mainScreen()->bounds(), std::move(content)).get());
 }
 
 UIDocumentMenuViewController* UIDocumentMenuViewController::imp_initWithDocumentTypesInMode(

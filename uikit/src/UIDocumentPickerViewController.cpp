@@ -1,7 +1,10 @@
 #include <UIKit/UIDocumentPickerViewController.h>
 
-#include <UIKit/device_profile.h>
+#include <UIKit/UIScreen.h>
+#include <UIKit/list_table_view.h>
+
 #include <UIKit/UIPopoverController.h>
+#include <UIKit/device_profile.h>
 
 #include <Foundation/NSArray.h>
 #include <Foundation/NSBundle.h>
@@ -59,7 +62,22 @@ void UIDocumentPickerViewController::objcDefine(
     using C = UIDocumentPickerViewController;
     b.method<&C::imp_initWithDocumentTypesInMode>("initWithDocumentTypes:inMode:")
         .property<&C::delegate_>("delegate", objc::Weak | objc::Nonatomic)
-        .property<&C::mode_>("documentPickerMode", objc::Readonly | objc::Nonatomic);
+        .property<&C::mode_>("documentPickerMode", objc::Readonly | objc::Nonatomic)
+        .method<&C::imp_loadView>("loadView");
+}
+
+UIDocumentPickerViewController::~UIDocumentPickerViewController() {
+    // The view may outlive the picker; its rows came from the picker.
+    if (auto* list = objc::cast<UIListTableView>(viewIfLoaded())) list->clearItems();
+}
+
+void UIDocumentPickerViewController::imp_loadView() {
+    auto items = [this] {
+        std::vector<UIListTableView::Item> list;
+        for (const Entry& entry : entries()) list.push_back({entry.name, entry.isFolder});
+        return list;
+    };
+    setView(UIListTableView::create(UIScreen::mainScreen()->bounds(), items).get());
 }
 
 UIDocumentPickerViewController* UIDocumentPickerViewController::imp_initWithDocumentTypesInMode(

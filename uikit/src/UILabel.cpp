@@ -1,6 +1,8 @@
 #include <UIKit/UILabel.h>
 
 #include <Foundation/NSDictionary.h>
+#include <UIKit/UIGraphics.h>
+#include <UIKit/text_layout.h>
 
 #include <objc/image.h>
 
@@ -26,7 +28,8 @@ void UILabel::objcDefine(objc::ClassBuilder<UILabel>& b) {
         .property<&UILabel::preferredMaxLayoutWidth_>("preferredMaxLayoutWidth", objc::Nonatomic)
         .method<&UILabel::imp_intrinsicContentSize>("intrinsicContentSize")
         .method<&UILabel::imp_sizeThatFits>("sizeThatFits:")
-        .method<&UILabel::imp_sizeToFit>("sizeToFit");
+        .method<&UILabel::imp_sizeToFit>("sizeToFit")
+        .method<&UILabel::imp_drawRect>("drawRect:");
 }
 
 void UILabel::imp_setText(NSString* text) {
@@ -88,4 +91,17 @@ void UILabel::imp_sizeToFit() {
     CGRect frame = this->frame();
     frame.size = sizeThatFits(bounds().size);
     setFrame(frame);
+}
+
+void UILabel::imp_drawRect(CGRect /*rect*/) {
+    if (!text_ || text_->units().empty()) return;
+    cairo_t* const cr = uikit::cairoContext(UIGraphicsGetCurrentContext());
+    if (cr == nullptr) return;
+    // No colour set draws black, as the platform's default text colour.
+    uikit::TextColor color;
+    if (textColor_) {
+        const uikit::RGBA& c = textColor_->rgba();
+        color = {c.red, c.green, c.blue, c.alpha};
+    }
+    uikit::drawText(cr, bounds(), textBlock(), color);
 }

@@ -56,7 +56,10 @@ std::vector<UIViewController*> UINavigationController::appearanceChildren() {
 }
 
 void UINavigationController::imp_loadView() {
-    setView(UIView::create(UIScreen::mainScreen()->bounds()).get());
+    const CGRect screen = UIScreen::mainScreen()->bounds();
+    setView(UIView::create(screen).get());
+    bar_ = UINavigationBar::create(screen.size.width);
+    bar_->setNavigationController(this);
     showTopView();
 }
 
@@ -64,11 +67,17 @@ void UINavigationController::showTopView() {
     UIView* container = viewIfLoaded();
     if (container == nullptr) return;
     for (const auto& sub : std::vector(container->subviewList())) sub->removeFromSuperview();
+    CGRect below = container->bounds();
+    if (bar_) {
+        below.origin.y += UINavigationBar::kHeight;
+        below.size.height -= UINavigationBar::kHeight;
+    }
     if (UIViewController* top = topViewController()) {
         UIView* content = top->view();
-        content->setFrame(container->bounds());
+        content->setFrame(below);
         container->addSubview(content);
     }
+    if (bar_) container->addSubview(bar_.get());
 }
 
 void UINavigationController::imp_pushViewController(UIViewController* controller, bool animated) {

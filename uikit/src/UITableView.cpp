@@ -30,6 +30,7 @@ void UITableView::objcDefine(objc::ClassBuilder<UITableView>& b) {
         .method<&C::imp_deselectRowAtIndexPath>("deselectRowAtIndexPath:animated:")
         .method<&C::imp_indexPathForSelectedRow>("indexPathForSelectedRow")
         .method<&C::imp_userSelectRowAtIndexPath>("_userSelectRowAtIndexPath:");
+    defineDrawing(b);
 }
 
 namespace {

@@ -28,6 +28,7 @@ void UITableViewCell::objcDefine(objc::ClassBuilder<UITableViewCell>& b) {
         .method<&C::imp_isHighlighted>("isHighlighted")
         .method<&C::imp_setHighlighted>("setHighlighted:")
         .method<&C::imp_setHighlightedAnimated>("setHighlighted:animated:");
+    defineDrawing(b);
 }
 
 namespace {

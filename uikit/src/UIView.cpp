@@ -35,6 +35,7 @@ void UIView::objcDefine(objc::ClassBuilder<UIView>& b) {
         .property<&UIView::accessibilityTraits_>("accessibilityTraits", objc::Nonatomic)
         .method<&UIView::imp_nextResponder>("nextResponder");
     defineLayout(b);
+    defineDrawing(b);
 }
 
 objc::Strong<UIView> UIView::create(CGRect frame) {
@@ -42,6 +43,7 @@ objc::Strong<UIView> UIView::create(CGRect frame) {
 }
 
 UIView::~UIView() {
+    if (layer_) layer_->setOwningView(nullptr);
     for (const auto& view : subviews_) view->superview_ = nullptr;
     // A constraint kept elsewhere outlives its holder as an inactive one.
     for (const auto& constraint : constraints_) constraint->owner_ = nullptr;
@@ -157,7 +159,10 @@ UIView* UIView::imp_viewWithTag(NSInteger tag) {
 }
 
 CALayer* UIView::imp_layer() {
-    if (!layer_) layer_ = CALayer::create();
+    if (!layer_) {
+        layer_ = CALayer::create();
+        layer_->setOwningView(this);
+    }
     return layer_.get();
 }
 

@@ -117,8 +117,11 @@ class PV_EXPORT ParcelvaneFileBrowserViewController : public UIViewController {
     static std::string formatSize(unsigned long long bytes);
 
     ParcelvaneFileBrowserViewController() = default;
+    ~ParcelvaneFileBrowserViewController() override;
 
   private:
+    // The view lists the folder's entries, folders with a chevron.
+    void imp_loadView();
     ParcelvaneFileBrowserViewController* imp_init();
     ParcelvaneFileBrowserViewController* imp_initWithPath(NSString* path);
     NSString* imp_path() const;

@@ -1,8 +1,8 @@
 // The list of chats; opening one pushes its chat screen.
 #pragma once
 
-#include <Host/chat_store.h>
 #include <Host/WAChatSessionViewController.h>
+#include <Host/chat_store.h>
 
 #include <UIKit/UIViewController.h>
 
@@ -27,6 +27,8 @@ class WAChatListViewController : public UIViewController {
 
   private:
     void imp_viewDidLoad();
+    // The view is a plain table of the chats, read from the store when drawn.
+    void imp_loadView();
 
     std::shared_ptr<host::ChatStore> store_;
 };

@@ -7,9 +7,9 @@
 // with the host's own document types.
 #pragma once
 
-#include <Host/chat_store.h>
 #include <Host/WAActionSheet.h>
 #include <Host/WADocumentAttachment.h>
+#include <Host/chat_store.h>
 
 #include <Foundation/dispatch.h>
 
@@ -72,6 +72,8 @@ class WAChatSessionViewController : public UIViewController {
 
   private:
     void imp_viewDidLoad();
+    // The view shows the messages as bubbles.
+    void imp_loadView();
     void imp_presentShareDocumentController();
     void imp_documentMenuDidPickDocumentPicker(id menu, id picker);
     void imp_documentPickerDidPickDocumentAtURL(id picker, NSURL* url);

@@ -39,6 +39,8 @@ class WAStaticTableViewController : public UIViewController {
     WAStaticTableViewController* imp_initWithNibNameBundle(NSString* nibName, id bundle);
     void imp_deselectActiveCell() { selected_.reset(); }
     void imp_didMoveToParentViewController(UIViewController* parent);
+    // The view is a grouped table over the sections.
+    void imp_loadView();
 
     objc::Strong<NSMutableArray> sections_;
     std::optional<std::pair<std::size_t, std::size_t>> selected_;

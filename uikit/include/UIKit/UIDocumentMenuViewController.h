@@ -8,8 +8,8 @@
 // the delegate, which presents the picker.
 #pragma once
 
-#include <UIKit/document_provider.h>
 #include <UIKit/UIViewController.h>
+#include <UIKit/document_provider.h>
 
 #include <objc/block.h>
 
@@ -99,6 +99,9 @@ class PV_EXPORT UIDocumentMenuViewController : public UIViewController {
                                                                   UIDocumentPickerMode mode);
     void imp_addOptionWithTitle(NSString* title, id image, UIDocumentMenuOrder order,
                                 Handler* handler);
+
+    // The view is a sheet of the options, the providers and Cancel.
+    void imp_loadView();
 
     // Takes the menu off screen, wherever it is shown.
     void dismissMenu(objc::Block<void()>* completion);

@@ -10,8 +10,8 @@
 // first, then the delegate hears documentPicker:didPickDocumentAtURL:.
 #pragma once
 
-#include <UIKit/document_provider.h>
 #include <UIKit/UIDocumentMenuViewController.h>
+#include <UIKit/document_provider.h>
 
 #include <cstddef>
 #include <string>
@@ -81,10 +81,13 @@ class PV_EXPORT UIDocumentPickerViewController : public UIViewController {
     static std::string inboxFolder(const std::string& home);
 
     UIDocumentPickerViewController() = default;
+    ~UIDocumentPickerViewController() override;
 
   private:
     UIDocumentPickerViewController* imp_initWithDocumentTypesInMode(NSArray* types,
                                                                     UIDocumentPickerMode mode);
+    // The view lists the entries of the folder shown, folders with a chevron.
+    void imp_loadView();
 
     bool accepts(const std::string& type) const;
     // Takes the picker off screen, then runs `after` on the main queue.

@@ -24,6 +24,7 @@ class PV_EXPORT UIImageView : public UIView {
 
   private:
     UIImageView* imp_initWithImage(UIImage* image);
+    void imp_drawRect(CGRect rect);
 
     objc::Strong<UIImage> image_;
 };

@@ -90,11 +90,12 @@ class PV_EXPORT UILabel : public UIView {
     CGSize imp_sizeThatFits(CGSize size);
     void imp_sizeToFit();
     CGSize measure(CGFloat width);
+    void imp_drawRect(CGRect rect);
 
     objc::Strong<NSString> text_;
     objc::Strong<NSAttributedString> attributedText_;
     objc::Strong<UIFont> font_;
-    objc::Strong<objc_object> textColor_;  // a UIColor
+    objc::Strong<UIColor> textColor_;
     NSTextAlignment alignment_ = NSTextAlignmentNatural;
     NSInteger lines_ = 1;
     NSLineBreakMode lineBreakMode_ = NSLineBreakByTruncatingTail;

@@ -5,6 +5,7 @@
 // controller is itself on screen.
 #pragma once
 
+#include <UIKit/UINavigationBar.h>
 #include <UIKit/UIViewController.h>
 
 class PV_EXPORT UINavigationController : public UIViewController {
@@ -56,7 +57,13 @@ class PV_EXPORT UINavigationController : public UIViewController {
         return objc::msgSend<UIViewController*>(this, objc::sel<"visibleViewController">());
     }
 
+    // The bar over the top screen (made with the view).
+    UINavigationBar* navigationBar() const noexcept { return bar_.get(); }
+
     UINavigationController() = default;
+    ~UINavigationController() override {
+        if (bar_) bar_->setNavigationController(nullptr);
+    }
 
   protected:
     std::vector<UIViewController*> appearanceChildren() override;
@@ -78,4 +85,6 @@ class PV_EXPORT UINavigationController : public UIViewController {
     // Shows the top controller's view as the navigation controller's content.
     void showTopView();
     bool onScreen() const noexcept { return appearance() == Appearance::Appeared; }
+
+    objc::Strong<UINavigationBar> bar_;
 };

@@ -30,6 +30,7 @@ class PV_EXPORT UISwitch : public UIControl {
     UISwitch* imp_initWithFrame(CGRect frame);
     void imp_setOnAnimated(bool on, bool animated);
     bool imp_userToggle();
+    void imp_drawRect(CGRect rect);
 
     bool on_ = false;
 };

@@ -120,6 +120,11 @@ class PV_EXPORT UITableView : public UIView {
         return objc::msgSend<bool>(this, objc::sel<"_userSelectRowAtIndexPath:">(), indexPath);
     }
 
+    // Where the row lies in the table's bounds, as it is drawn; CGRectZero
+    // for a path outside the table.
+    CGRect rectForRowAtIndexPath(NSIndexPath* indexPath) {
+        return objc::msgSend<CGRect>(this, objc::sel<"rectForRowAtIndexPath:">(), indexPath);
+    }
     // The data source's section titles, nil without them (C++ side, for
     // whoever prints the table).
     NSString* headerTitleForSection(NSInteger section);
@@ -145,6 +150,15 @@ class PV_EXPORT UITableView : public UIView {
     void imp_deselectRowAtIndexPath(NSIndexPath* indexPath, bool animated);
     NSIndexPath* imp_indexPathForSelectedRow() const;
     bool imp_userSelectRowAtIndexPath(NSIndexPath* indexPath);
+
+    CGRect imp_rectForRowAtIndexPath(NSIndexPath* indexPath);
+    void imp_drawRect(CGRect rect);
+    static void defineDrawing(objc::ClassBuilder<UITableView>& b);
+    // Vertical places of one section's parts, top to bottom.
+    struct SectionPlaces {
+        CGFloat headerTop, rowsTop, footerTop, bottom;
+    };
+    std::vector<SectionPlaces> sectionPlaces();
 
     struct Row {
         NSInteger section;

@@ -98,6 +98,10 @@ class PV_EXPORT UITableViewCell : public UIView {
         objc::msgSend<void>(this, objc::sel<"setHighlighted:animated:">(), highlighted, animated);
     }
 
+    // Places the content view, labels, image and accessory for the cell's
+    // current width, as the table shows them (C++ side, no messages).
+    void placeSubviews();
+
     UITableViewCell() = default;
 
   private:
@@ -112,6 +116,9 @@ class PV_EXPORT UITableViewCell : public UIView {
     bool imp_isHighlighted() const { return highlighted_; }
     void imp_setHighlighted(bool highlighted);
     void imp_setHighlightedAnimated(bool highlighted, bool animated);
+    void imp_drawRect(CGRect rect);
+    static void defineDrawing(objc::ClassBuilder<UITableViewCell>& b);
+
     // Builds the subviews once, for whichever initializer runs.
     void build(UITableViewCellStyle style, NSString* reuseIdentifier);
 

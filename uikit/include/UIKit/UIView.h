@@ -8,6 +8,8 @@
 
 #include <UIKit/CALayer.h>
 #include <UIKit/NSLayoutConstraint.h>
+#include <UIKit/UIColor.h>
+#include <UIKit/UIGraphics.h>
 #include <UIKit/UIResponder.h>
 
 #include <objc/class_builder.h>
@@ -54,6 +56,15 @@ inline constexpr CGFloat UIViewNoIntrinsicMetric = -1;
 // Targets of systemLayoutSizeFittingSize: as small or as large as possible.
 inline constexpr CGSize UILayoutFittingCompressedSize{0, 0};
 inline constexpr CGSize UILayoutFittingExpandedSize{10000000, 10000000};
+
+// How a view's content fills its bounds.
+enum UIViewContentMode : NSInteger {
+    UIViewContentModeScaleToFill = 0,
+    UIViewContentModeScaleAspectFit = 1,
+    UIViewContentModeScaleAspectFill = 2,
+    UIViewContentModeRedraw = 3,
+    UIViewContentModeCenter = 4,
+};
 
 class PV_EXPORT UIView : public UIResponder {
     OBJC_CLASS(UIView)
@@ -107,6 +118,41 @@ class PV_EXPORT UIView : public UIResponder {
     }
     void setAccessibilityTraits(UIAccessibilityTraits traits) {
         objc::msgSend<void>(this, objc::sel<"setAccessibilityTraits:">(), traits);
+    }
+
+    // Drawing.
+    // Nil (the default) shows what lies behind. The layer's background follows.
+    UIColor* backgroundColor() {
+        return objc::msgSend<UIColor*>(this, objc::sel<"backgroundColor">());
+    }
+    void setBackgroundColor(UIColor* color) {
+        objc::msgSend<void>(this, objc::sel<"setBackgroundColor:">(), color);
+    }
+    // 0 to 1; the view and its subviews are drawn as one group at this opacity.
+    CGFloat alpha() { return objc::msgSend<CGFloat>(this, objc::sel<"alpha">()); }
+    void setAlpha(CGFloat alpha) { objc::msgSend<void>(this, objc::sel<"setAlpha:">(), alpha); }
+    bool clipsToBounds() { return objc::msgSend<bool>(this, objc::sel<"clipsToBounds">()); }
+    void setClipsToBounds(bool clips) {
+        objc::msgSend<void>(this, objc::sel<"setClipsToBounds:">(), clips);
+    }
+    // Unset, the superview's; a view in no superview answers the system blue.
+    UIColor* tintColor() { return objc::msgSend<UIColor*>(this, objc::sel<"tintColor">()); }
+    void setTintColor(UIColor* color) {
+        objc::msgSend<void>(this, objc::sel<"setTintColor:">(), color);
+    }
+    UIViewContentMode contentMode() {
+        return objc::msgSend<UIViewContentMode>(this, objc::sel<"contentMode">());
+    }
+    void setContentMode(UIViewContentMode mode) {
+        objc::msgSend<void>(this, objc::sel<"setContentMode:">(), mode);
+    }
+    // Draws the view's own content into the current context, in its bounds.
+    void drawRect(CGRect rect) { objc::msgSend<void>(this, objc::sel<"drawRect:">(), rect); }
+    // Draws the view and its subviews into the current context as if its
+    // bounds filled `rect`. Answers false without a current context.
+    bool drawViewHierarchyInRect(CGRect rect, bool afterScreenUpdates) {
+        return objc::msgSend<bool>(this, objc::sel<"drawViewHierarchyInRect:afterScreenUpdates:">(),
+                                   rect, afterScreenUpdates);
     }
 
     // The subviews without a message, back to front.
@@ -277,4 +323,19 @@ class PV_EXPORT UIView : public UIResponder {
     UILayoutPriority compression_[2] = {UILayoutPriorityDefaultHigh, UILayoutPriorityDefaultHigh};
     bool translatesMask_ = true;
     bool needsLayout_ = true;
+
+    // Drawing.
+    UIColor* imp_backgroundColor() const { return backgroundColor_.get(); }
+    void imp_setBackgroundColor(UIColor* color);
+    void imp_setAlpha(CGFloat alpha);
+    UIColor* imp_tintColor();
+    void imp_drawRect(CGRect /*rect*/) {}
+    bool imp_drawViewHierarchyInRect(CGRect rect, bool afterScreenUpdates);
+    static void defineDrawing(objc::ClassBuilder<UIView>& b);
+
+    objc::Strong<UIColor> backgroundColor_;
+    objc::Strong<UIColor> tintColor_;
+    CGFloat alpha_ = 1;
+    bool clipsToBounds_ = false;
+    UIViewContentMode contentMode_ = UIViewContentModeScaleToFill;
 };
