@@ -1,6 +1,7 @@
 // How a table looks: sections of 44-point rows; grouped tables on a grey
 // background with white sections, plain ones on white. Separators are hairlines
 // inset from the left as on the platform; headers and footers are labels.
+#include <UIKit/UIFont.h>
 #include <UIKit/UITableView.h>
 
 #include "view_drawing.h"
@@ -100,6 +101,9 @@ void UITableView::imp_drawRect(CGRect rect) {
                                                     width - 2 * kSeparatorInset, bottom - top - 7));
             label->setText(text);
             label->setNumberOfLines(0);
+            // Section titles are smaller and grey, as the platform sets them.
+            label->setFont(UIFont::systemFontOfSize(grouped ? 13 : 15));
+            if (grouped) label->setTextColor(UIColor::colorWithRGBA(0.427, 0.427, 0.447, 1));
             uikit::drawSubview(context, label.get());
         };
         title(headerTitleForSection(index), p.headerTop, p.rowsTop, false);
