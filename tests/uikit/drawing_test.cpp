@@ -6,6 +6,7 @@
 
 #include <UIKit/UIColor.h>
 #include <UIKit/UIGraphics.h>
+#include <UIKit/UILabel.h>
 #include <UIKit/UISwitch.h>
 
 #include <objc/runtime.h>
@@ -150,6 +151,30 @@ TEST_F(Drawing, SwitchesShowTheirStateInTheirFrameAndTintIsInherited) {
     EXPECT_EQ(blue, 1);
     root->setTintColor(UIColor::redColor());
     EXPECT_TRUE(on->tintColor()->isEqual(UIColor::redColor()));
+}
+
+TEST_F(Drawing, ALabelDrawsItsTextInItsColourInsideItsFrameOnly) {
+    auto root = coloured(CGRectMake(0, 0, 200, 60), UIColor::whiteColor());
+    const CGRect frame = CGRectMake(20, 10, 100, 30);
+    auto label = UILabel::create(frame);
+    label->setText(NSSTR("WWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWW"));  // far wider than the frame
+    label->setTextColor(UIColor::redColor());
+    root->addSubview(label.get());
+
+    const auto image = drawnView(root.get());
+    int red = 0;
+    for (int y = 0; y < 60; ++y) {
+        for (int x = 0; x < 200; ++x) {
+            const Pixel p = pixelAt(image.get(), x, y);
+            const bool inside = x >= 20 && x < 120 && y >= 10 && y < 40;
+            if (!inside) {
+                ASSERT_TRUE(near(p, kWhite)) << "ink at " << x << "," << y;
+            } else if (p[0] > 200 && p[1] < 80 && p[2] < 80) {
+                ++red;
+            }
+        }
+    }
+    EXPECT_GT(red, 50);
 }
 
 }  // namespace
