@@ -248,4 +248,31 @@ TEST_F(TableViews, DrawSectionsApartWithWhiteRowsMarksAndSeparators) {
     EXPECT_TRUE(tinted);
 }
 
+TEST_F(TableViews, InARightToLeftInterfaceRowsStartAtTheRight) {
+    auto profile = uikit::DeviceProfile::defaultProfile();
+    profile.languages = {"ar"};
+    uikit::configureDevice(profile);
+    UITableViewCell* cell = served(0, 2);
+    cell->setAccessoryType(UITableViewCellAccessoryDisclosureIndicator);
+    cell->textLabel()->setText(NSSTR("الحساب"));
+    const CGRect last = table->rectForRowAtIndexPath(at(0, 2));
+
+    const auto image = testsupport::drawnView(table.get(), true, 2);
+    ASSERT_TRUE(image);
+    const auto pixel = [&](CGFloat x, CGFloat y) {
+        return testsupport::pixelAt(image.get(), x, y);
+    };
+    // The chevron at the left, where the title would have been; the title
+    // ends at the right margin.
+    const auto chevron = pixel(15 + 1.5, last.origin.y + 22);
+    EXPECT_TRUE(chevron[0] < 250 && chevron[0] == chevron[1]);
+    const CGRect title = cell->textLabel()->frame();
+    EXPECT_NEAR(cell->contentView()->frame().origin.x + title.origin.x + title.size.width, 320 - 15,
+                1);
+    // Separators are inset from the right.
+    const CGFloat between = last.origin.y - 0.25;
+    EXPECT_EQ(pixel(320 - 5, between)[0], 255);
+    EXPECT_LT(pixel(320 - 40, between)[0], 230);
+}
+
 }  // namespace

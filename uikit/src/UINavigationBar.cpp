@@ -1,4 +1,5 @@
 #include <UIKit/UINavigationBar.h>
+#include <UIKit/device_profile.h>
 
 #include <UIKit/UINavigationController.h>
 
@@ -62,6 +63,14 @@ void UINavigationBar::imp_drawRect(CGRect rect) {
         }
         show(title, back);
     }
+    // The back button is the tint's colour, at the leading edge.
+    const bool rightToLeft = uikit::userInterfaceIsRightToLeft();
+    const CGFloat width = bounds().size.width;
+    const CGFloat backWidth = width * (1 - kTitleWidthShare) / 2 - 30;
+    back_->setFrame(CGRectMake(rightToLeft ? width - kBackTitleLeft - backWidth : kBackTitleLeft,
+                               kStatusBar, backWidth, kBar));
+    back_->setTextAlignment(rightToLeft ? NSTextAlignmentRight : NSTextAlignmentLeft);
+    back_->setTextColor(tintColor());
     uikit::setSourceRGBA(cairo, kBarColor);
     cairo_rectangle(cairo, rect.origin.x, rect.origin.y, rect.size.width, rect.size.height);
     cairo_fill(cairo);
@@ -78,8 +87,13 @@ void UINavigationBar::imp_drawRect(CGRect rect) {
     cairo_set_line_width(cairo, 3);
     cairo_set_line_cap(cairo, CAIRO_LINE_CAP_ROUND);
     cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
-    cairo_move_to(cairo, kChevronLeft + kChevron.width, middle - kChevron.height / 2);
-    cairo_line_to(cairo, kChevronLeft + 1.5, middle);
-    cairo_line_to(cairo, kChevronLeft + kChevron.width, middle + kChevron.height / 2);
+    // Mirrored, the chevron points right from the right edge.
+    const double edge = rightToLeft ? width : 0;
+    const double direction = rightToLeft ? -1 : 1;
+    cairo_move_to(cairo, edge + direction * (kChevronLeft + kChevron.width),
+                  middle - kChevron.height / 2);
+    cairo_line_to(cairo, edge + direction * (kChevronLeft + 1.5), middle);
+    cairo_line_to(cairo, edge + direction * (kChevronLeft + kChevron.width),
+                  middle + kChevron.height / 2);
     cairo_stroke(cairo);
 }

@@ -3,6 +3,7 @@
 // inset from the left as on the platform; headers and footers are labels.
 #include <UIKit/UIFont.h>
 #include <UIKit/UITableView.h>
+#include <UIKit/device_profile.h>
 
 #include "view_drawing.h"
 
@@ -90,6 +91,8 @@ void UITableView::imp_drawRect(CGRect rect) {
     double hairline = 1, unused = 0;
     cairo_device_to_user_distance(cairo, &hairline, &unused);
     hairline = std::abs(hairline) > 0 ? std::abs(hairline) : 0.5;
+    // Separators are inset from the side rows start at.
+    const bool rightToLeft = uikit::userInterfaceIsRightToLeft();
     for (std::size_t section = 0; section < places.size() && section < cells_.size(); ++section) {
         const auto index = static_cast<NSInteger>(section);
         const SectionPlaces& p = places[section];
@@ -119,7 +122,8 @@ void UITableView::imp_drawRect(CGRect rect) {
             uikit::setSourceRGBA(cairo, kSeparator);
             const bool last = row + 1 == rows;
             const CGFloat inset = grouped && last ? 0 : kSeparatorInset;
-            fillRect(cairo, inset, top + kRowHeight - hairline, width - inset, hairline);
+            fillRect(cairo, rightToLeft ? 0 : inset, top + kRowHeight - hairline, width - inset,
+                     hairline);
             if (grouped && row == 0) fillRect(cairo, 0, top, width, hairline);
         }
         title(footerTitleForSection(index), p.footerTop, p.bottom, true);

@@ -1,6 +1,7 @@
 // How a table cell looks: its subviews' places, its background and the
 // standard accessory marks.
 #include <UIKit/UITableViewCell.h>
+#include <UIKit/device_profile.h>
 
 #include <cairo.h>
 
@@ -59,11 +60,19 @@ void UITableViewCell::placeSubviews() {
     }
     const CGFloat width = std::max<CGFloat>(right - kMargin - x, 0);
     switch (style_) {
-        case UITableViewCellStyleValue1:
+        case UITableViewCellStyleValue1: {
+            // The detail as wide as its text at the trailing edge, the title
+            // in what is left; a long detail leaves the title half.
+            const CGFloat detail = std::min(
+                detailTextLabel_->sizeThatFits(CGSizeMake(width, height)).width, width / 2);
+            textLabel_->setFrame(CGRectMake(x, 0, width - detail - kImageGap, height));
+            detailTextLabel_->setFrame(CGRectMake(x + width - detail, 0, detail, height));
+            break;
+        }
         case UITableViewCellStyleValue2:
-            // Title on the left, detail on the right half.
-            textLabel_->setFrame(CGRectMake(x, 0, width / 2, height));
-            detailTextLabel_->setFrame(CGRectMake(x + width / 2, 0, width / 2, height));
+            // A short blue title, then the detail.
+            textLabel_->setFrame(CGRectMake(x, 0, width / 3, height));
+            detailTextLabel_->setFrame(CGRectMake(x + width / 3, 0, width * 2 / 3, height));
             break;
         case UITableViewCellStyleSubtitle:
             textLabel_->setFrame(CGRectMake(x, 0, width, height * 0.6));
@@ -72,6 +81,23 @@ void UITableViewCell::placeSubviews() {
         default:
             textLabel_->setFrame(CGRectMake(x, 0, width, height));
             break;
+    }
+    // A right-to-left interface places the same frames from the other side.
+    if (uikit::userInterfaceIsRightToLeft()) {
+        const CGFloat total = bounds.size.width;
+        for (UIView* view :
+             {static_cast<UIView*>(contentView_.get()), static_cast<UIView*>(imageView_.get()),
+              static_cast<UIView*>(textLabel_.get()), static_cast<UIView*>(detailTextLabel_.get()),
+              accessoryView_.get()}) {
+            if (view == nullptr) continue;
+            CGRect frame = view->frame();
+            // The labels sit in the content view, which is mirrored itself.
+            const CGFloat within = view == contentView_.get() || view == accessoryView_.get()
+                                       ? total
+                                       : contentView_->bounds().size.width;
+            frame.origin.x = within - frame.origin.x - frame.size.width;
+            view->setFrame(frame);
+        }
     }
 }
 
@@ -89,6 +115,12 @@ void UITableViewCell::imp_drawRect(CGRect rect) {
         cairo_fill(cairo);
     }
     if (accessoryView_) return;
+    // Marks sit at the trailing edge: mirrored, they point the other way too.
+    cairo_save(cairo);
+    if (uikit::userInterfaceIsRightToLeft()) {
+        cairo_translate(cairo, 2 * rect.origin.x + rect.size.width, 0);
+        cairo_scale(cairo, -1, 1);
+    }
     const CGFloat right = rect.origin.x + rect.size.width - kAccessoryGap;
     const CGFloat middle = rect.origin.y + rect.size.height / 2;
     cairo_set_line_cap(cairo, CAIRO_LINE_CAP_ROUND);
@@ -122,4 +154,5 @@ void UITableViewCell::imp_drawRect(CGRect rect) {
         default:
             break;
     }
+    cairo_restore(cairo);
 }

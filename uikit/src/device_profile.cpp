@@ -113,6 +113,22 @@ DeviceProfile currentDeviceProfile() {
     return device.profile;
 }
 
+bool isRightToLeftLanguage(std::string_view language) {
+    const std::string_view code = language.substr(0, language.find_first_of("-_"));
+    for (const std::string_view rtl :
+         {"ar", "he", "iw", "fa", "ur", "ps", "sd", "ug", "yi", "dv", "ckb"}) {
+        if (code == rtl) return true;
+    }
+    return false;
+}
+
+bool userInterfaceIsRightToLeft() {
+    CurrentDevice& device = current();
+    std::lock_guard guard(device.lock);
+    const std::vector<std::string>& languages = device.profile.languages;
+    return !languages.empty() && isRightToLeftLanguage(languages.front());
+}
+
 bool isValidSystemVersion(std::string_view version) {
     return parseVersion(version).has_value();
 }

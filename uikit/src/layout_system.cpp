@@ -32,15 +32,6 @@ LinearSolver::Relation relationOf(NSLayoutRelation relation) {
     }
 }
 
-bool isRightToLeftLanguage(std::string_view language) {
-    const std::string_view code = language.substr(0, language.find_first_of("-_"));
-    for (const std::string_view rtl :
-         {"ar", "he", "iw", "fa", "ur", "ps", "sd", "ug", "yi", "dv", "ckb"}) {
-        if (code == rtl) return true;
-    }
-    return false;
-}
-
 std::string describe(NSLayoutConstraint* constraint) {
     NSString* text = constraint->description();
     return text != nullptr ? std::string(text->UTF8String()) : std::string();
@@ -173,10 +164,7 @@ void LayoutSystem::addIntrinsicRows(std::size_t index) {
 }
 
 bool LayoutSystem::rightToLeft() {
-    if (!rightToLeft_) {
-        const DeviceProfile profile = currentDeviceProfile();
-        rightToLeft_ = !profile.languages.empty() && isRightToLeftLanguage(profile.languages[0]);
-    }
+    if (!rightToLeft_) rightToLeft_ = userInterfaceIsRightToLeft();
     return *rightToLeft_;
 }
 

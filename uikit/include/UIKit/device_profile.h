@@ -58,6 +58,12 @@ PV_EXPORT void configureDevice(DeviceProfile profile);
 // A copy of the current device (the default profile until configured).
 PV_EXPORT DeviceProfile currentDeviceProfile();
 
+// Whether a language ("ar", "he-IL", "fa_IR") is written right to left.
+PV_EXPORT bool isRightToLeftLanguage(std::string_view language);
+// Whether the device's first language is, so that the interface is
+// mirrored: rows start at the right, back buttons point right.
+PV_EXPORT bool userInterfaceIsRightToLeft();
+
 // Whether a version string is well formed: one to three dot-separated
 // numbers ("9", "8.4", "7.1.2").
 PV_EXPORT bool isValidSystemVersion(std::string_view version);
