@@ -69,18 +69,12 @@ void UIView::sizeDidChange(CGSize old) {
     for (const auto& sub : subviews_) {
         const UIViewAutoresizing mask = sub->autoresizingMask_;
         if (mask == UIViewAutoresizingNone) continue;
-        const auto has = [mask](UIViewAutoresizing bit) { return objc::contains(mask, bit); };
-        const bool horizontal[3] = {has(UIViewAutoresizingFlexibleLeftMargin),
-                                    has(UIViewAutoresizingFlexibleWidth),
-                                    has(UIViewAutoresizingFlexibleRightMargin)};
-        const bool vertical[3] = {has(UIViewAutoresizingFlexibleTopMargin),
-                                  has(UIViewAutoresizingFlexibleHeight),
-                                  has(UIViewAutoresizingFlexibleBottomMargin)};
+        const auto flexible = uikit::LayoutSystem::flexibleParts(mask);
         const CGRect f = sub->frame();
-        const auto h =
-            uikit::LayoutSystem::autoresize(f.origin.x, f.size.width, old.width, horizontal);
-        const auto v =
-            uikit::LayoutSystem::autoresize(f.origin.y, f.size.height, old.height, vertical);
+        const auto h = uikit::LayoutSystem::autoresize(f.origin.x, f.size.width, old.width,
+                                                       flexible.horizontal);
+        const auto v = uikit::LayoutSystem::autoresize(f.origin.y, f.size.height, old.height,
+                                                       flexible.vertical);
         sub->setFrame(CGRectMake(h.a0 * now.width + h.b0, v.a0 * now.height + v.b0,
                                  h.a1 * now.width + h.b1, v.a1 * now.height + v.b1));
     }

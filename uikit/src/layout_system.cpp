@@ -117,19 +117,20 @@ LayoutSystem::Resize LayoutSystem::autoresize(double origin, double size, double
     return {a[0], b[0], a[1], b[1]};
 }
 
+LayoutSystem::FlexibleParts LayoutSystem::flexibleParts(UIViewAutoresizing mask) {
+    const auto has = [mask](UIViewAutoresizing bit) { return objc::contains(mask, bit); };
+    return {{has(UIViewAutoresizingFlexibleLeftMargin), has(UIViewAutoresizingFlexibleWidth),
+             has(UIViewAutoresizingFlexibleRightMargin)},
+            {has(UIViewAutoresizingFlexibleTopMargin), has(UIViewAutoresizingFlexibleHeight),
+             has(UIViewAutoresizingFlexibleBottomMargin)}};
+}
+
 void LayoutSystem::addFrameRows(std::size_t index) {
     UIView* const view = nodes_[index].view;
     const std::size_t parent = nodes_[index].parent;
     const CGRect frame = view->frame();
     const CGSize superSize = nodes_[parent].view->bounds().size;
-    const UIViewAutoresizing mask = view->maskBits();
-    const auto has = [mask](UIViewAutoresizing bit) { return objc::contains(mask, bit); };
-    const bool horizontal[3] = {has(UIViewAutoresizingFlexibleLeftMargin),
-                                has(UIViewAutoresizingFlexibleWidth),
-                                has(UIViewAutoresizingFlexibleRightMargin)};
-    const bool vertical[3] = {has(UIViewAutoresizingFlexibleTopMargin),
-                              has(UIViewAutoresizingFlexibleHeight),
-                              has(UIViewAutoresizingFlexibleBottomMargin)};
+    const FlexibleParts flexible = flexibleParts(view->maskBits());
     const auto axis = [&](Component position, Component extent, double origin, double size,
                           double superExtent, const bool(&flexible)[3]) {
         const Resize r = autoresize(origin, size, superExtent, flexible);
@@ -142,8 +143,8 @@ void LayoutSystem::addFrameRows(std::size_t index) {
         (void)solver_.addConstraint(length, -r.b1, LinearSolver::Relation::Equal,
                                     LinearSolver::kRequired);
     };
-    axis(kX, kW, frame.origin.x, frame.size.width, superSize.width, horizontal);
-    axis(kY, kH, frame.origin.y, frame.size.height, superSize.height, vertical);
+    axis(kX, kW, frame.origin.x, frame.size.width, superSize.width, flexible.horizontal);
+    axis(kY, kH, frame.origin.y, frame.size.height, superSize.height, flexible.vertical);
 }
 
 // An intrinsic size component becomes two optional constraints: not larger

@@ -47,6 +47,13 @@ class LayoutSystem {
     };
     static Resize autoresize(double origin, double size, double superSize,
                              const bool (&flexible)[3]);
+    // A mask's flexible parts per axis: left margin, width, right margin;
+    // top margin, height, bottom margin.
+    struct FlexibleParts {
+        bool horizontal[3];
+        bool vertical[3];
+    };
+    static FlexibleParts flexibleParts(UIViewAutoresizing mask);
 
   private:
     struct Node {
