@@ -2,6 +2,8 @@
 
 #include <objc/image.h>
 
+#include "view_drawing.h"
+
 #include <cairo.h>
 
 #include <algorithm>
@@ -23,10 +25,6 @@ constexpr CGFloat kTextInset = 16;
 constexpr CGFloat kTitleHeight = 22;
 constexpr CGFloat kMessageHeight = 36;
 constexpr CGFloat kTextTop = 20;
-
-bool hasText(NSString* text) {
-    return text != nullptr && text->length() > 0;
-}
 
 }  // namespace
 
@@ -66,8 +64,8 @@ void UIAlertPanelView::build() {
             inPanel.push_back(content_.buttons[i].get());
         }
     }
-    const bool title = hasText(content_.title.get());
-    const bool message = hasText(content_.message.get());
+    const bool title = uikit::hasText(content_.title.get());
+    const bool message = uikit::hasText(content_.message.get());
     CGFloat textHeight = 0;
     if (title || message) {
         textHeight = kTextTop + (title ? kTitleHeight : 0) + (message ? kMessageHeight : 0) + 12;

@@ -24,10 +24,6 @@ constexpr CGFloat kGroupedTitled = 38;
 constexpr CGFloat kGroupedUntitled = 18;
 constexpr CGFloat kPlainTitled = 28;
 
-bool hasText(NSString* text) {
-    return text != nullptr && text->length() > 0;
-}
-
 void fillRect(cairo_t* cairo, CGFloat x, CGFloat y, CGFloat w, CGFloat h) {
     cairo_rectangle(cairo, x, y, w, h);
     cairo_fill(cairo);
@@ -49,8 +45,8 @@ std::vector<UITableView::SectionPlaces> UITableView::sectionPlaces() {
         const auto index = static_cast<NSInteger>(section);
         SectionPlaces p{};
         p.headerTop = y;
-        const bool header = hasText(headerTitleForSection(index));
-        const bool footer = hasText(footerTitleForSection(index));
+        const bool header = uikit::hasText(headerTitleForSection(index));
+        const bool footer = uikit::hasText(footerTitleForSection(index));
         y += grouped ? (header ? kGroupedTitled : kGroupedUntitled) : (header ? kPlainTitled : 0);
         p.rowsTop = y;
         y += kRowHeight * static_cast<CGFloat>(cells_[section].size());
@@ -99,7 +95,7 @@ void UITableView::imp_drawRect(CGRect rect) {
         if (p.headerTop > rect.origin.y + rect.size.height) break;
         // Header and footer titles are labels, drawn like any view.
         const auto title = [&](NSString* text, CGFloat top, CGFloat bottom, bool below) {
-            if (!hasText(text)) return;
+            if (!uikit::hasText(text)) return;
             auto label = UILabel::create(CGRectMake(kSeparatorInset, below ? top + 7 : top,
                                                     width - 2 * kSeparatorInset, bottom - top - 7));
             label->setText(text);

@@ -4,6 +4,8 @@
 
 #include <UIKit/UIGraphics.h>
 
+#include <objc/string.h>
+
 class UIView;
 
 namespace uikit {
@@ -17,5 +19,10 @@ void drawViewContent(CGContextRef context, UIView* view);
 void drawSubview(CGContextRef context, UIView* view);
 // Draws the view as if its frame were `frame` in the current coordinates.
 void drawViewAt(CGContextRef context, UIView* view, CGRect frame);
+
+// Whether a title or message has anything to draw (nil and "" do not).
+inline bool hasText(NSString* text) {
+    return text != nullptr && text->length() > 0;
+}
 
 }  // namespace uikit
